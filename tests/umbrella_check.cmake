@@ -1,0 +1,13 @@
+# Fails when a public header is missing from the umbrella header KestoDM.h.
+file(READ ${INCLUDE_DIR}/KestoDM/KestoDM.h umbrella)
+file(GLOB_RECURSE headers RELATIVE ${INCLUDE_DIR} ${INCLUDE_DIR}/KestoDM/*/*.h)
+set(missing "")
+foreach(header IN LISTS headers)
+  string(FIND "${umbrella}" "#include <${header}>" position)
+  if(position EQUAL -1)
+    list(APPEND missing ${header})
+  endif()
+endforeach()
+if(missing)
+  message(FATAL_ERROR "KestoDM.h does not include: ${missing}")
+endif()
