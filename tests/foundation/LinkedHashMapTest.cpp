@@ -1,0 +1,309 @@
+#include <KestoDM/foundation/LinkedHashMap.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+using Kesto::LinkedHashMap;
+using Kesto::StringCompare;
+using Kesto::StringHasher;
+
+namespace {
+
+using Map = LinkedHashMap<std::string, int, StringHasher, StringCompare>;
+
+template <class M>
+std::vector<std::string> keysOf(M const& map) {
+    std::vector<std::string> keys;
+    for (auto const& entry : map)
+        keys.push_back(entry.first);
+    return keys;
+}
+
+using Keys = std::vector<std::string>;
+
+} // namespace
+
+TEST(StringHasher, EmptyStringGivesTheOffsetBasis) {
+    EXPECT_EQ(StringHasher()(std::string()), std::size_t(0xcbf29ce484222325ull));
+}
+
+TEST(StringHasher, MatchesKnownFnv1aVectors) {
+    StringHasher const hash;
+    EXPECT_EQ(hash(std::string("a")), std::size_t(0xaf63dc4c8601ec8cull));
+    EXPECT_EQ(hash(std::string("foobar")), std::size_t(0x85944171f73967e8ull));
+}
+
+TEST(StringHasher, StringViewAndCStringHashLikeString) {
+    StringHasher const hash;
+    std::string const text("node12");
+    EXPECT_EQ(hash(std::string_view(text)), hash(text));
+    EXPECT_EQ(hash("node12"), hash(text));
+}
+
+TEST(StringHasher, HashesEveryByteIncludingEmbeddedNul) {
+    StringHasher const hash;
+    EXPECT_NE(hash(std::string("a\0b", 3)), hash(std::string("a")));
+}
+
+TEST(StringCompare, IsByteWiseAndCaseSensitive) {
+    StringCompare const equal;
+    EXPECT_TRUE(equal(std::string("Node"), std::string("Node")));
+    EXPECT_FALSE(equal(std::string("Node"), std::string("node")));
+    EXPECT_FALSE(equal(std::string("a"), std::string("a\0", 2)));
+    EXPECT_TRUE(equal(std::string("x"), std::string_view("x")));
+}
+
+TEST(LinkedHashMap, StartsEmpty) {
+    Map const map;
+    EXPECT_TRUE(map.empty());
+    EXPECT_EQ(map.size(), 0u);
+    EXPECT_EQ(map.begin(), map.end());
+}
+
+TEST(LinkedHashMap, IteratesInInsertionOrder) {
+    Map map;
+    for (auto const* key : {"zeta", "alpha", "mu", "beta", "omega"})
+        map.insert(key, 0);
+    EXPECT_EQ(keysOf(map), (Keys{"zeta", "alpha", "mu", "beta", "omega"}));
+}
+
+TEST(LinkedHashMap, InsertReturnsIteratorToNewEntry) {
+    Map map;
+    auto const [it, inserted] = map.insert({"a", 1});
+    EXPECT_TRUE(inserted);
+    EXPECT_EQ(it->first, "a");
+    EXPECT_EQ(it->second, 1);
+    EXPECT_EQ(map.size(), 1u);
+}
+
+TEST(LinkedHashMap, InsertOfPresentKeyChangesNeitherValueNorOrder) {
+    Map map{{"a", 1}, {"b", 2}, {"c", 3}};
+    auto const [it, inserted] = map.insert("a", 99);
+    EXPECT_FALSE(inserted);
+    EXPECT_EQ(it, map.find("a"));
+    EXPECT_EQ(map.at("a"), 1);
+    EXPECT_EQ(keysOf(map), (Keys{"a", "b", "c"}));
+    EXPECT_EQ(map.size(), 3u);
+}
+
+TEST(LinkedHashMap, FindReturnsEndWhenAbsent) {
+    Map map{{"a", 1}};
+    EXPECT_EQ(map.find("b"), map.end());
+    Map const& constMap = map;
+    EXPECT_EQ(constMap.find("b"), constMap.end());
+}
+
+TEST(LinkedHashMap, FindLocatesEntry) {
+    Map map{{"a", 1}, {"b", 2}};
+    auto const it = map.find(std::string("b"));
+    ASSERT_NE(it, map.end());
+    EXPECT_EQ(it->second, 2);
+}
+
+TEST(LinkedHashMap, FindAcceptsStringView) {
+    Map map{{"abc", 1}};
+    std::string const text("xabcx");
+    auto const it = map.find(std::string_view(text).substr(1, 3));
+    ASSERT_NE(it, map.end());
+    EXPECT_EQ(it->second, 1);
+    EXPECT_TRUE(map.contains(std::string_view("abc")));
+}
+
+TEST(LinkedHashMap, CountAndContainsTellPresence) {
+    Map map{{"a", 1}};
+    EXPECT_EQ(map.count("a"), 1u);
+    EXPECT_EQ(map.count("b"), 0u);
+    EXPECT_TRUE(map.contains("a"));
+    EXPECT_FALSE(map.contains("b"));
+}
+
+TEST(LinkedHashMap, AtOnMissingKeyThrows) {
+    Map map{{"a", 1}};
+    try {
+        map.at("missing");
+        FAIL() << "at did not throw";
+    } catch (char const* message) {
+        EXPECT_STREQ(message, "invalid LinkedHashMap key");
+    }
+}
+
+TEST(LinkedHashMap, ConstAtOnMissingKeyThrows) {
+    Map const map{{"a", 1}};
+    try {
+        map.at("missing");
+        FAIL() << "at did not throw";
+    } catch (char const* message) {
+        EXPECT_STREQ(message, "invalid LinkedHashMap key");
+    }
+}
+
+TEST(LinkedHashMap, AtGivesModifiableValue) {
+    Map map{{"a", 1}};
+    map.at("a") = 5;
+    EXPECT_EQ(map.at("a"), 5);
+    Map const& constMap = map;
+    EXPECT_EQ(constMap.at("a"), 5);
+}
+
+TEST(LinkedHashMap, ValueIsModifiableThroughIterator) {
+    Map map{{"a", 1}, {"b", 2}};
+    for (auto& entry : map)
+        entry.second *= 10;
+    EXPECT_EQ(map.at("a"), 10);
+    EXPECT_EQ(map.at("b"), 20);
+    map.find("a")->second = 7;
+    EXPECT_EQ(map.at("a"), 7);
+}
+
+TEST(LinkedHashMap, IteratorDereferencesToPairWithConstKey) {
+    static_assert(
+        std::is_same_v<decltype(*std::declval<Map::iterator>()), std::pair<std::string const, int>&>);
+    static_assert(std::is_same_v<decltype(*std::declval<Map::const_iterator>()),
+                                 std::pair<std::string const, int> const&>);
+    Map map{{"a", 1}};
+    Map::const_iterator const converted = map.begin();
+    EXPECT_EQ(converted, map.cbegin());
+}
+
+TEST(LinkedHashMap, SubscriptAppendsDefaultValueForNewKey) {
+    Map map{{"a", 1}};
+    int& value = map["b"];
+    EXPECT_EQ(value, 0);
+    value = 4;
+    EXPECT_EQ(keysOf(map), (Keys{"a", "b"}));
+    EXPECT_EQ(map.at("b"), 4);
+}
+
+TEST(LinkedHashMap, SubscriptOfPresentKeyKeepsOrder) {
+    Map map{{"a", 1}, {"b", 2}};
+    map["a"] = 3;
+    EXPECT_EQ(keysOf(map), (Keys{"a", "b"}));
+    EXPECT_EQ(map.at("a"), 3);
+    EXPECT_EQ(map.size(), 2u);
+}
+
+TEST(LinkedHashMap, EraseByKeyReturnsCount) {
+    Map map{{"a", 1}, {"b", 2}};
+    EXPECT_EQ(map.erase("a"), 1u);
+    EXPECT_EQ(map.erase("a"), 0u);
+    EXPECT_EQ(map.size(), 1u);
+}
+
+TEST(LinkedHashMap, EraseKeepsOrderOfTheRest) {
+    Map map{{"a", 1}, {"b", 2}, {"c", 3}, {"d", 4}};
+    map.erase("b");
+    EXPECT_EQ(keysOf(map), (Keys{"a", "c", "d"}));
+    map.insert("b", 5);
+    EXPECT_EQ(keysOf(map), (Keys{"a", "c", "d", "b"}));
+}
+
+TEST(LinkedHashMap, EraseByIteratorReturnsNext) {
+    Map map{{"a", 1}, {"b", 2}, {"c", 3}};
+    auto const next = map.erase(map.find("b"));
+    ASSERT_NE(next, map.end());
+    EXPECT_EQ(next->first, "c");
+    EXPECT_EQ(map.erase(map.find("c")), map.end());
+    EXPECT_EQ(keysOf(map), (Keys{"a"}));
+}
+
+TEST(LinkedHashMap, ClearEmptiesTheMap) {
+    Map map{{"a", 1}, {"b", 2}};
+    map.clear();
+    EXPECT_TRUE(map.empty());
+    EXPECT_FALSE(map.contains("a"));
+}
+
+TEST(LinkedHashMap, RelocateMovesEntryBeforePosition) {
+    Map map{{"a", 1}, {"b", 2}, {"c", 3}, {"d", 4}};
+    map.relocate(map.find("b"), map.find("d"));
+    EXPECT_EQ(keysOf(map), (Keys{"a", "d", "b", "c"}));
+    map.relocate(map.begin(), map.find("c"));
+    EXPECT_EQ(keysOf(map), (Keys{"c", "a", "d", "b"}));
+}
+
+TEST(LinkedHashMap, RelocateToEndMovesEntryLast) {
+    Map map{{"a", 1}, {"b", 2}, {"c", 3}};
+    map.relocate(map.end(), map.find("a"));
+    EXPECT_EQ(keysOf(map), (Keys{"b", "c", "a"}));
+    EXPECT_EQ(map.at("a"), 1);
+}
+
+TEST(LinkedHashMap, RekeyRenamesInPlace) {
+    Map map{{"a", 1}, {"b", 2}, {"c", 3}};
+    auto const it = map.find("b");
+    EXPECT_TRUE(map.rekey(it, "x"));
+    EXPECT_EQ(keysOf(map), (Keys{"a", "x", "c"}));
+    EXPECT_FALSE(map.contains("b"));
+    EXPECT_EQ(map.at("x"), 2);
+    // The iterator still designates the renamed entry.
+    EXPECT_EQ(it, map.find("x"));
+    EXPECT_EQ(it->first, "x");
+}
+
+TEST(LinkedHashMap, RekeyToKeyOfAnotherEntryFails) {
+    Map map{{"a", 1}, {"b", 2}};
+    EXPECT_FALSE(map.rekey(map.find("b"), "a"));
+    EXPECT_EQ(keysOf(map), (Keys{"a", "b"}));
+    EXPECT_EQ(map.at("a"), 1);
+    EXPECT_EQ(map.at("b"), 2);
+}
+
+TEST(LinkedHashMap, RekeyToOwnKeySucceeds) {
+    Map map{{"a", 1}};
+    EXPECT_TRUE(map.rekey(map.begin(), "a"));
+    EXPECT_EQ(map.at("a"), 1);
+}
+
+TEST(LinkedHashMap, RekeyKeepsMoveOnlyValue) {
+    LinkedHashMap<std::string, std::unique_ptr<int>, StringHasher, StringCompare> map;
+    map.insert("a", std::make_unique<int>(7));
+    EXPECT_TRUE(map.rekey(map.begin(), "b"));
+    ASSERT_TRUE(map.at("b"));
+    EXPECT_EQ(*map.at("b"), 7);
+}
+
+TEST(LinkedHashMap, ReserveAndLoadFactorKeepContents) {
+    Map map{{"a", 1}, {"b", 2}};
+    map.max_load_factor(0.5f);
+    EXPECT_FLOAT_EQ(map.max_load_factor(), 0.5f);
+    map.reserve(1000);
+    EXPECT_EQ(keysOf(map), (Keys{"a", "b"}));
+    EXPECT_EQ(map.at("b"), 2);
+}
+
+TEST(LinkedHashMap, ManyEntriesKeepOrderAcrossRehash) {
+    Map map;
+    Keys expected;
+    for (int i = 0; i < 2000; ++i) {
+        expected.push_back("k" + std::to_string((i * 7919) % 2000));
+        map.insert(expected.back(), i);
+    }
+    EXPECT_EQ(keysOf(map), expected);
+}
+
+TEST(LinkedHashMap, CopyKeepsOrderAndIsIndependent) {
+    Map original{{"b", 1}, {"a", 2}};
+    Map copy(original);
+    copy["c"] = 3;
+    copy.at("b") = 9;
+    EXPECT_EQ(keysOf(copy), (Keys{"b", "a", "c"}));
+    EXPECT_EQ(keysOf(original), (Keys{"b", "a"}));
+    EXPECT_EQ(original.at("b"), 1);
+}
+
+TEST(LinkedHashMap, WorksWithDefaultHashAndNonStringKeys) {
+    LinkedHashMap<int, std::string> map;
+    map.insert(3, "three");
+    map.insert(1, "one");
+    map[2] = "two";
+    std::vector<int> keys;
+    for (auto const& [key, value] : map)
+        keys.push_back(key);
+    EXPECT_EQ(keys, (std::vector<int>{3, 1, 2}));
+    EXPECT_EQ(map.at(1), "one");
+}

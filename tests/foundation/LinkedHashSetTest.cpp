@@ -1,0 +1,122 @@
+#include <KestoDM/foundation/LinkedHashSet.h>
+
+#include <KestoDM/foundation/LinkedHashMap.h>
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+using Kesto::LinkedHashSet;
+using Kesto::StringCompare;
+using Kesto::StringHasher;
+
+namespace {
+
+using Set = LinkedHashSet<std::string, StringHasher, StringCompare>;
+using Keys = std::vector<std::string>;
+
+Keys keysOf(Set const& set) {
+    return Keys(set.begin(), set.end());
+}
+
+} // namespace
+
+TEST(LinkedHashSet, StartsEmpty) {
+    Set const set;
+    EXPECT_TRUE(set.empty());
+    EXPECT_EQ(set.size(), 0u);
+    EXPECT_EQ(set.begin(), set.end());
+}
+
+TEST(LinkedHashSet, IteratesInInsertionOrder) {
+    Set set;
+    for (auto const* key : {"zeta", "alpha", "mu", "beta"})
+        set.insert(key);
+    EXPECT_EQ(keysOf(set), (Keys{"zeta", "alpha", "mu", "beta"}));
+}
+
+TEST(LinkedHashSet, InsertOfPresentKeyKeepsOrderAndReturnsFalse) {
+    Set set{"a", "b", "c"};
+    auto const [it, inserted] = set.insert("a");
+    EXPECT_FALSE(inserted);
+    EXPECT_EQ(it, set.begin());
+    EXPECT_EQ(keysOf(set), (Keys{"a", "b", "c"}));
+}
+
+TEST(LinkedHashSet, InsertReturnsIteratorToNewKey) {
+    Set set{"a"};
+    auto const [it, inserted] = set.insert("b");
+    EXPECT_TRUE(inserted);
+    EXPECT_EQ(*it, "b");
+}
+
+TEST(LinkedHashSet, FindReturnsEndWhenAbsent) {
+    Set set{"a"};
+    EXPECT_EQ(set.find("b"), set.end());
+    ASSERT_NE(set.find("a"), set.end());
+    EXPECT_EQ(*set.find("a"), "a");
+}
+
+TEST(LinkedHashSet, FindAcceptsStringView) {
+    Set set{"abc"};
+    EXPECT_NE(set.find(std::string_view("abc")), set.end());
+    EXPECT_TRUE(set.contains(std::string_view("abc")));
+}
+
+TEST(LinkedHashSet, CountAndContainsTellPresence) {
+    Set set{"a"};
+    EXPECT_EQ(set.count("a"), 1u);
+    EXPECT_EQ(set.count("b"), 0u);
+    EXPECT_TRUE(set.contains("a"));
+    EXPECT_FALSE(set.contains("b"));
+}
+
+TEST(LinkedHashSet, EraseByKeyReturnsCount) {
+    Set set{"a", "b"};
+    EXPECT_EQ(set.erase("a"), 1u);
+    EXPECT_EQ(set.erase("a"), 0u);
+    EXPECT_EQ(keysOf(set), (Keys{"b"}));
+}
+
+TEST(LinkedHashSet, EraseKeepsOrderOfTheRest) {
+    Set set{"a", "b", "c", "d"};
+    set.erase("c");
+    EXPECT_EQ(keysOf(set), (Keys{"a", "b", "d"}));
+}
+
+TEST(LinkedHashSet, EraseByIteratorReturnsNext) {
+    Set set{"a", "b", "c"};
+    auto const next = set.erase(set.find("a"));
+    ASSERT_NE(next, set.end());
+    EXPECT_EQ(*next, "b");
+    EXPECT_EQ(keysOf(set), (Keys{"b", "c"}));
+}
+
+TEST(LinkedHashSet, ClearEmptiesTheSet) {
+    Set set{"a", "b"};
+    set.clear();
+    EXPECT_TRUE(set.empty());
+    EXPECT_FALSE(set.contains("a"));
+}
+
+TEST(LinkedHashSet, RelocateMovesKeyBeforePosition) {
+    Set set{"a", "b", "c", "d"};
+    set.relocate(set.find("a"), set.find("c"));
+    EXPECT_EQ(keysOf(set), (Keys{"c", "a", "b", "d"}));
+    set.relocate(set.end(), set.find("c"));
+    EXPECT_EQ(keysOf(set), (Keys{"a", "b", "d", "c"}));
+}
+
+TEST(LinkedHashSet, ReserveKeepsContents) {
+    Set set{"b", "a"};
+    set.reserve(1000);
+    EXPECT_EQ(keysOf(set), (Keys{"b", "a"}));
+    EXPECT_TRUE(set.contains("a"));
+}
+
+TEST(LinkedHashSet, WorksWithDefaultHash) {
+    LinkedHashSet<int> set{5, 3, 9, 3};
+    EXPECT_EQ(std::vector<int>(set.begin(), set.end()), (std::vector<int>{5, 3, 9}));
+}
