@@ -2,6 +2,7 @@
 file(READ ${INCLUDE_DIR}/KestoDM/KestoDM.h umbrella)
 file(GLOB_RECURSE headers RELATIVE ${INCLUDE_DIR} ${INCLUDE_DIR}/KestoDM/*/*.h)
 set(missing "")
+list(FILTER headers EXCLUDE REGEX "/detail/")
 foreach(header IN LISTS headers)
   string(FIND "${umbrella}" "#include <${header}>" position)
   if(position EQUAL -1)
