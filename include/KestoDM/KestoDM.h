@@ -23,9 +23,13 @@
 #include <KestoDM/foundation/DmMessageLogger.h>
 #include <KestoDM/foundation/DmMessageReport.h>
 #include <KestoDM/foundation/DmNameResolution.h>
+#include <KestoDM/foundation/DmNameUtils.h>
 #include <KestoDM/foundation/DmNamedEntity.h>
+#include <KestoDM/foundation/DmOSUtils.h>
 #include <KestoDM/foundation/DmStatus.h>
 #include <KestoDM/foundation/DmVersion.h>
+#include <KestoDM/foundation/LinkedHashMap.h>
+#include <KestoDM/foundation/LinkedHashSet.h>
 
 #include <KestoDM/types/DmMetadata.h>
 #include <KestoDM/types/DmMetadataItem.h>
