@@ -12,14 +12,21 @@ DmEntity::DmEntity(DmEntity const& other)
     : DmInstanceCounter<DmEntity>(other), m_metadata(other.m_metadata), m_complete(other.m_complete) {}
 
 DmEntity::DmEntity(DmEntity&& other) noexcept
-    : DmInstanceCounter<DmEntity>(other), m_metadata(std::move(other.m_metadata)), m_complete(other.m_complete) {}
+    : DmInstanceCounter<DmEntity>(other), m_metadata(std::move(other.m_metadata)),
+      m_complete(other.m_complete) {}
 
 DmEntity::~DmEntity() = default;
 
-bool DmEntity::isValid() const { return true; }
+bool DmEntity::isValid() const {
+    return true;
+}
 
-bool DmEntity::isComplete() const { return m_complete; }
+bool DmEntity::isComplete() const {
+    return m_complete;
+}
 
-void DmEntity::setCompleteness(bool complete) { m_complete = complete; }
+void DmEntity::setCompleteness(bool complete) {
+    m_complete = complete;
+}
 
 } // namespace Kesto

@@ -12,8 +12,8 @@ namespace Internal {
 
 std::string demangledTypeName(std::type_info const& type) {
     int status = 0;
-    std::unique_ptr<char, void (*)(void*)> demangled(abi::__cxa_demangle(type.name(), nullptr, nullptr, &status),
-                                                     std::free);
+    std::unique_ptr<char, void (*)(void*)> demangled(
+        abi::__cxa_demangle(type.name(), nullptr, nullptr, &status), std::free);
     if (status == 0 && demangled) {
         return demangled.get();
     }

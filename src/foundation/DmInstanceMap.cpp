@@ -20,7 +20,9 @@ std::size_t nextPowerOfTwo(std::size_t value) noexcept {
 
 } // namespace
 
-DmNamedEntity::InstanceMap::InstanceMap() { m_table.reserve(kInitialReserve); }
+DmNamedEntity::InstanceMap::InstanceMap() {
+    m_table.reserve(kInitialReserve);
+}
 
 DmNamedEntity::InstanceMap::~InstanceMap() {
     if (m_count != m_dead) {
@@ -50,7 +52,8 @@ std::size_t DmNamedEntity::InstanceMap::lookup(Table const& table, RuntimeUID ui
     return index;
 }
 
-void DmNamedEntity::InstanceMap::insert(Table& table, std::size_t& count, RuntimeUID uid, DmNamedEntity* entity) {
+void DmNamedEntity::InstanceMap::insert(Table& table, std::size_t& count, RuntimeUID uid,
+                                        DmNamedEntity* entity) {
     if (table.size() < kListLimit) {
         ++count;
         table.emplace_back(uid, entity);

@@ -26,20 +26,27 @@ void DmMessageLogger::reportMessage(std::shared_ptr<DmMessageReport> const& repo
     if (category == BaMessageTypes::kMessageFatal) {
         std::abort();
     }
-    if (category == BaMessageTypes::kMessageInternalError && BaDebugEvs::get_KESTO_ABORT_ON_INTERNAL_ERRORS()) {
+    if (category == BaMessageTypes::kMessageInternalError &&
+        BaDebugEvs::get_KESTO_ABORT_ON_INTERNAL_ERRORS()) {
         std::abort();
     }
 }
 
-unsigned int DmMessageLogger::getErrorCount() const { return getCategoryCount(BaMessageCategory::kError, false); }
+unsigned int DmMessageLogger::getErrorCount() const {
+    return getCategoryCount(BaMessageCategory::kError, false);
+}
 
 unsigned int DmMessageLogger::getWarningCount() const {
     return getCategoryCount(BaMessageCategory::kWarning, false);
 }
 
-unsigned int DmMessageLogger::getInfoCount() const { return getCategoryCount(BaMessageCategory::kInfo, false); }
+unsigned int DmMessageLogger::getInfoCount() const {
+    return getCategoryCount(BaMessageCategory::kInfo, false);
+}
 
-unsigned int DmMessageLogger::getMessageCount() const { return getCategoryCount(BaMessageCategory::kAll, false); }
+unsigned int DmMessageLogger::getMessageCount() const {
+    return getCategoryCount(BaMessageCategory::kAll, false);
+}
 
 void DmMessageLogger::printRecord(std::ostream& stream, BaMessageRecord const& record, bool recursive) {
     stream << record.getFormattedDescription() << '\n';

@@ -24,33 +24,35 @@ BaMessageCategory DmMessageReport::toRecordCategory(BaMessageTypes::MessageCateg
 }
 
 DmMessageReport::DmMessageReport(std::shared_ptr<DmNamedEntity const> const& entity,
-                                 BaMessageTypes::MessageCategory category, std::string title, std::string description)
-    : DmMessageReport(entity, category, std::move(title), std::move(description), std::string(), std::string(), -1,
-                      -1) {}
+                                 BaMessageTypes::MessageCategory category, std::string title,
+                                 std::string description)
+    : DmMessageReport(entity, category, std::move(title), std::move(description), std::string(),
+                      std::string(), -1, -1) {}
 
 DmMessageReport::DmMessageReport(std::shared_ptr<DmNamedEntity const> const& entity,
-                                 BaMessageTypes::MessageCategory category, std::string title, std::string description,
-                                 std::string detail)
-    : DmMessageReport(entity, category, std::move(title), std::move(description), std::move(detail), std::string(),
-                      -1, -1) {}
+                                 BaMessageTypes::MessageCategory category, std::string title,
+                                 std::string description, std::string detail)
+    : DmMessageReport(entity, category, std::move(title), std::move(description), std::move(detail),
+                      std::string(), -1, -1) {}
 
 DmMessageReport::DmMessageReport(std::shared_ptr<DmNamedEntity const> const& entity,
-                                 BaMessageTypes::MessageCategory category, std::string title, std::string description,
-                                 std::string detail, int line, int column)
-    : DmMessageReport(entity, category, std::move(title), std::move(description), std::move(detail), std::string(),
-                      line, column) {}
+                                 BaMessageTypes::MessageCategory category, std::string title,
+                                 std::string description, std::string detail, int line, int column)
+    : DmMessageReport(entity, category, std::move(title), std::move(description), std::move(detail),
+                      std::string(), line, column) {}
 
 DmMessageReport::DmMessageReport(std::shared_ptr<DmNamedEntity const> const& entity,
-                                 BaMessageTypes::MessageCategory category, std::string title, std::string description,
-                                 std::string detail, std::string source, int line, int column)
+                                 BaMessageTypes::MessageCategory category, std::string title,
+                                 std::string description, std::string detail, std::string source, int line,
+                                 int column)
     : BaMessageRecord(toRecordCategory(category), std::string(), std::move(title), std::move(description),
                       std::move(detail), std::move(source), line, column),
       m_entity(entity), m_internalCategory(category) {}
 
-DmMessageReport::DmMessageReport(BaMessageTypes::MessageCategory category, std::string location, std::string title,
-                                 std::string description)
-    : BaMessageRecord(toRecordCategory(category), std::move(location), std::move(title), std::move(description),
-                      std::string(), std::string(), -1, -1),
+DmMessageReport::DmMessageReport(BaMessageTypes::MessageCategory category, std::string location,
+                                 std::string title, std::string description)
+    : BaMessageRecord(toRecordCategory(category), std::move(location), std::move(title),
+                      std::move(description), std::string(), std::string(), -1, -1),
       m_internalCategory(category) {}
 
 DmMessageReport::~DmMessageReport() = default;

@@ -19,14 +19,16 @@ DmNamedEntity::DmNamedEntity(std::string name, bool complete)
 }
 
 DmNamedEntity::DmNamedEntity(DmNamedEntity const& other)
-    : DmEntity(other), std::enable_shared_from_this<DmNamedEntity>(other), DmInstanceCounter<DmNamedEntity>(other),
+    : DmEntity(other), std::enable_shared_from_this<DmNamedEntity>(other), DmInstanceCounter<DmNamedEntity>(
+                                                                               other),
       m_runtimeUID(InstanceMap::processWide().nextRuntimeUID()), m_name(other.m_name) {
     InstanceMap::processWide().registerEntity(m_runtimeUID, this);
 }
 
 DmNamedEntity::DmNamedEntity(DmNamedEntity&& other)
     : DmEntity(std::move(other)), std::enable_shared_from_this<DmNamedEntity>(other),
-      DmInstanceCounter<DmNamedEntity>(other), m_runtimeUID(other.m_runtimeUID), m_name(std::move(other.m_name)) {
+      DmInstanceCounter<DmNamedEntity>(other), m_runtimeUID(other.m_runtimeUID),
+      m_name(std::move(other.m_name)) {
     other.m_runtimeUID = kInvalidRuntimeUID;
     if (m_runtimeUID != kInvalidRuntimeUID) {
         InstanceMap::processWide().moveEntity(m_runtimeUID, this);
@@ -53,13 +55,21 @@ std::shared_ptr<DmNamedEntity const> DmNamedEntity::findByRuntimeUID(RuntimeUID 
     return std::shared_ptr<DmNamedEntity const>(weak);
 }
 
-std::string const& DmNamedEntity::getName() const { return m_name; }
+std::string const& DmNamedEntity::getName() const {
+    return m_name;
+}
 
-void DmNamedEntity::resolveFullName(std::string& out) const { out += getName(); }
+void DmNamedEntity::resolveFullName(std::string& out) const {
+    out += getName();
+}
 
-bool DmNamedEntity::isValid() const { return !m_name.empty() && DmEntity::isValid(); }
+bool DmNamedEntity::isValid() const {
+    return !m_name.empty() && DmEntity::isValid();
+}
 
-bool DmNamedEntity::operator==(DmNamedEntity const& other) const noexcept { return getName() == other.getName(); }
+bool DmNamedEntity::operator==(DmNamedEntity const& other) const noexcept {
+    return getName() == other.getName();
+}
 
 bool DmNamedEntity::setName(std::string const& name, DmNameResolutionType, DmNameResolveFlags flags) {
     if (isConst()) {
@@ -97,6 +107,8 @@ DmNamedEntity::UpdateHelper::UpdateHelper(DmNamedEntity& entity) noexcept : m_en
     m_entity->setInUpdate(true);
 }
 
-DmNamedEntity::UpdateHelper::~UpdateHelper() { m_entity->setInUpdate(false); }
+DmNamedEntity::UpdateHelper::~UpdateHelper() {
+    m_entity->setInUpdate(false);
+}
 
 } // namespace Kesto

@@ -36,15 +36,16 @@ std::string const& DmVersion::getBranch() {
 }
 
 std::string const& DmVersion::getVersionText() {
-    static std::string const s_text = "Kesto version " + getVersionNumber() + " (" + getBuildDate() + ", build " +
-                                      getBuildNumber() + ", commit " + getCommitHash() + ", branch " + getBranch() +
-                                      ")";
+    static std::string const s_text = "Kesto version " + getVersionNumber() + " (" + getBuildDate() +
+                                      ", build " + getBuildNumber() + ", commit " + getCommitHash() +
+                                      ", branch " + getBranch() + ")";
     return s_text;
 }
 
 std::string DmVersion::getVersionLine() {
     std::ostringstream line;
-    line << std::setw(16) << "KestoPrivateDM" << ": " << getVersionText();
+    line << std::setw(16) << "KestoPrivateDM"
+         << ": " << getVersionText();
     return line.str();
 }
 

@@ -16,13 +16,18 @@ namespace {
 std::atomic<bool> s_failInitialization{false};
 } // namespace
 
-void setFailLibraryInitialization(bool fail) noexcept { s_failInitialization.store(fail); }
+void setFailLibraryInitialization(bool fail) noexcept {
+    s_failInitialization.store(fail);
+}
 
-bool shouldFailLibraryInitialization() noexcept { return s_failInitialization.load(); }
+bool shouldFailLibraryInitialization() noexcept {
+    return s_failInitialization.load();
+}
 
 } // namespace Internal
 
-std::shared_ptr<DmLibrary> DmLibrary::newLibrary(std::shared_ptr<BaContext> context, std::ostream* errorStream,
+std::shared_ptr<DmLibrary> DmLibrary::newLibrary(std::shared_ptr<BaContext> context,
+                                                 std::ostream* errorStream,
                                                  DmExternOperator::CancellationPolicy policy) {
     // One allocation for the library and its shared count; make_shared also
     // connects shared_from_this before initialize runs.

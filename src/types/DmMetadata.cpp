@@ -8,7 +8,9 @@ namespace Kesto {
 
 DmMetadata::DmMetadata() : m_items(std::make_shared<ItemList>()) {}
 
-bool DmMetadata::isEmpty() const { return m_items->empty(); }
+bool DmMetadata::isEmpty() const {
+    return m_items->empty();
+}
 
 std::vector<std::shared_ptr<DmMetadataItem>> DmMetadata::find(std::string_view name) const {
     std::vector<std::shared_ptr<DmMetadataItem>> found;
@@ -30,7 +32,8 @@ DmStatus DmMetadata::add(std::shared_ptr<DmMetadataItem> const& item) {
 
 DmStatus DmMetadata::remove(std::string_view name) {
     std::size_t const before = m_items->size();
-    m_items->remove_if([name](std::shared_ptr<DmMetadataItem> const& item) { return item->getName() == name; });
+    m_items->remove_if(
+        [name](std::shared_ptr<DmMetadataItem> const& item) { return item->getName() == name; });
     return m_items->size() != before ? DmStatus::kSuccess : DmStatus::kInvalidArgument;
 }
 
@@ -39,7 +42,9 @@ DmStatus DmMetadata::set(std::string_view name, std::shared_ptr<DmMetadataItem> 
     return add(item);
 }
 
-void DmMetadata::clear() { m_items->clear(); }
+void DmMetadata::clear() {
+    m_items->clear();
+}
 
 void DmMetadata::clone(std::shared_ptr<DmMetadata>& out) const {
     auto copy = std::make_shared<DmMetadata>();

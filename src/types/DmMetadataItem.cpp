@@ -13,7 +13,9 @@ bool DmMetadataItem::isLeaf() const {
     return !children || children->isEmpty();
 }
 
-void DmMetadataItem::clear() noexcept { m_value.reset(); }
+void DmMetadataItem::clear() noexcept {
+    m_value.reset();
+}
 
 std::shared_ptr<DmMetadataItem> DmMetadataItem::clone() const {
     auto copy = std::make_shared<DmMetadataItem>(getName());

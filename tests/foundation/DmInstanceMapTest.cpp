@@ -17,9 +17,13 @@ namespace {
 
 // The map never dereferences the entity pointers it stores (but in findWeak),
 // so a distinct fake address per entry is enough to watch the table.
-DmNamedEntity* fakeEntity(std::uint64_t i) { return reinterpret_cast<DmNamedEntity*>((i + 1) * 16); }
+DmNamedEntity* fakeEntity(std::uint64_t i) {
+    return reinterpret_cast<DmNamedEntity*>((i + 1) * 16);
+}
 
-std::uint64_t uidOf(std::uint64_t i) { return InstanceMap::mix(i + 1000); }
+std::uint64_t uidOf(std::uint64_t i) {
+    return InstanceMap::mix(i + 1000);
+}
 
 void registerRange(InstanceMap& map, std::uint64_t first, std::uint64_t last) {
     for (std::uint64_t i = first; i < last; ++i) {
@@ -29,7 +33,9 @@ void registerRange(InstanceMap& map, std::uint64_t first, std::uint64_t last) {
 
 } // namespace
 
-TEST(InstanceMap, MixOfCounterZeroIsZero) { EXPECT_EQ(InstanceMap::mix(0), 0u); }
+TEST(InstanceMap, MixOfCounterZeroIsZero) {
+    EXPECT_EQ(InstanceMap::mix(0), 0u);
+}
 
 TEST(InstanceMap, MixOfAllOnesIsTheInvalidUID) {
     EXPECT_EQ(InstanceMap::mix(~std::uint64_t(0)), DmNamedEntity::kInvalidRuntimeUID);

@@ -106,9 +106,7 @@ TEST(DmNamedEntity, UpdateHelperSetsAndClearsTheFlag) {
 TEST(DmNamedEntity, UpdateHelpersDoNotNest) {
     TestEntity entity("a");
     auto outer = std::make_unique<DmNamedEntity::UpdateHelper>(entity);
-    {
-        DmNamedEntity::UpdateHelper const inner(entity);
-    }
+    { DmNamedEntity::UpdateHelper const inner(entity); }
     EXPECT_FALSE(entity.isInUpdate());
     outer.reset();
     EXPECT_FALSE(entity.isInUpdate());

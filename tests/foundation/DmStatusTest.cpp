@@ -4,7 +4,9 @@
 
 using Kesto::DmStatus;
 
-TEST(DmStatus, IsOneByte) { EXPECT_EQ(sizeof(DmStatus), 1u); }
+TEST(DmStatus, IsOneByte) {
+    EXPECT_EQ(sizeof(DmStatus), 1u);
+}
 
 TEST(DmStatus, CodesHaveTheirFixedNumbers) {
     EXPECT_EQ(DmStatus::kSuccess, 0);
@@ -29,8 +31,9 @@ TEST(DmStatus, CodesBelowThreeAreSuccess) {
 }
 
 TEST(DmStatus, CodesFromThreeOnAreFailure) {
-    for (auto code : {DmStatus::kFailure, DmStatus::kFileError, DmStatus::kReserved5, DmStatus::kInvalidArgument,
-                      DmStatus::kConnectionError, DmStatus::kReserved8, DmStatus::kConstEntity}) {
+    for (auto code :
+         {DmStatus::kFailure, DmStatus::kFileError, DmStatus::kReserved5, DmStatus::kInvalidArgument,
+          DmStatus::kConnectionError, DmStatus::kReserved8, DmStatus::kConstEntity}) {
         DmStatus const status(code);
         EXPECT_FALSE(status.isSuccess()) << int(code);
         EXPECT_TRUE(status.isFailure()) << int(code);

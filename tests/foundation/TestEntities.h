@@ -19,13 +19,16 @@ public:
     using DmNamedEntity::resolveName;
     using DmNamedEntity::setInUpdate;
 
-    static std::shared_ptr<TestEntity> make(std::string name) { return std::make_shared<TestEntity>(std::move(name)); }
+    static std::shared_ptr<TestEntity> make(std::string name) {
+        return std::make_shared<TestEntity>(std::move(name));
+    }
 };
 
 /// An entity whose full name has a scope in front, as scoped classes do.
 class ScopedTestEntity : public TestEntity {
 public:
-    ScopedTestEntity(std::string scope, std::string name) : TestEntity(std::move(name)), m_scope(std::move(scope)) {}
+    ScopedTestEntity(std::string scope, std::string name)
+        : TestEntity(std::move(name)), m_scope(std::move(scope)) {}
     void resolveFullName(std::string& out) const override {
         out += m_scope;
         out += "::";

@@ -21,15 +21,17 @@ public:
     /// @name Construction
     /// Every caller gives finished text; nothing is composed here.
     /// @{
-    DmMessageReport(std::shared_ptr<DmNamedEntity const> const& entity, BaMessageTypes::MessageCategory category,
-                    std::string title, std::string description);
-    DmMessageReport(std::shared_ptr<DmNamedEntity const> const& entity, BaMessageTypes::MessageCategory category,
-                    std::string title, std::string description, std::string detail);
-    DmMessageReport(std::shared_ptr<DmNamedEntity const> const& entity, BaMessageTypes::MessageCategory category,
-                    std::string title, std::string description, std::string detail, int line, int column);
-    DmMessageReport(std::shared_ptr<DmNamedEntity const> const& entity, BaMessageTypes::MessageCategory category,
-                    std::string title, std::string description, std::string detail, std::string source, int line,
-                    int column);
+    DmMessageReport(std::shared_ptr<DmNamedEntity const> const& entity,
+                    BaMessageTypes::MessageCategory category, std::string title, std::string description);
+    DmMessageReport(std::shared_ptr<DmNamedEntity const> const& entity,
+                    BaMessageTypes::MessageCategory category, std::string title, std::string description,
+                    std::string detail);
+    DmMessageReport(std::shared_ptr<DmNamedEntity const> const& entity,
+                    BaMessageTypes::MessageCategory category, std::string title, std::string description,
+                    std::string detail, int line, int column);
+    DmMessageReport(std::shared_ptr<DmNamedEntity const> const& entity,
+                    BaMessageTypes::MessageCategory category, std::string title, std::string description,
+                    std::string detail, std::string source, int line, int column);
     /// A report about no entity; `location` says what it is about ("<value>").
     DmMessageReport(BaMessageTypes::MessageCategory category, std::string location, std::string title,
                     std::string description);

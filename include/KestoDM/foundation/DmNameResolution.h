@@ -13,9 +13,9 @@ enum DmNameResolutionType : std::uint8_t {
 
 /// How a proposed name becomes the stored name.
 enum DmNameResolveFlags : std::uint8_t {
-    kNameVerbatim = 0,     ///< taken as it stands; only the empty name fails
-    kNameLegalize = 1,     ///< replaced by its legal form; fails if there is none
-    kNameMustBeLegal = 2,  ///< fails unless the legal form equals the name
+    kNameVerbatim = 0,    ///< taken as it stands; only the empty name fails
+    kNameLegalize = 1,    ///< replaced by its legal form; fails if there is none
+    kNameMustBeLegal = 2, ///< fails unless the legal form equals the name
 };
 
 } // namespace Kesto

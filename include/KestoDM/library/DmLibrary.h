@@ -18,7 +18,8 @@ class DmMessageLogger;
 /// reference prints the messages still in the log.
 ///
 /// One library belongs to one thread at a time.
-class KESTODM_API DmLibrary : public std::enable_shared_from_this<DmLibrary>, public DmInstanceCounter<DmLibrary> {
+class KESTODM_API DmLibrary : public std::enable_shared_from_this<DmLibrary>,
+                              public DmInstanceCounter<DmLibrary> {
     struct InternalConstructor {
         explicit InternalConstructor() = default;
     };
@@ -29,10 +30,12 @@ public:
     /// Makes a library. Never returns null because initialization failed: the
     /// failure is reported in the library's log instead. `errorStream` receives
     /// printed messages; it is not owned and may be null.
-    static std::shared_ptr<DmLibrary> newLibrary(std::shared_ptr<BaContext> context, std::ostream* errorStream,
+    static std::shared_ptr<DmLibrary> newLibrary(std::shared_ptr<BaContext> context,
+                                                 std::ostream* errorStream,
                                                  DmExternOperator::CancellationPolicy policy);
 
-    DmLibrary(InternalConstructor, std::shared_ptr<BaContext> context, DmExternOperator::CancellationPolicy policy);
+    DmLibrary(InternalConstructor, std::shared_ptr<BaContext> context,
+              DmExternOperator::CancellationPolicy policy);
     DmLibrary(DmLibrary const&) = delete;
     DmLibrary& operator=(DmLibrary const&) = delete;
     /// Prints and clears the messages left in the log, then releases the members.
