@@ -2,6 +2,7 @@
 
 // Kesto DM: every public header of the library.
 
+#include <KestoDM/platform/Any.h>
 #include <KestoDM/platform/BaContext.h>
 #include <KestoDM/platform/BaDebugEvs.h>
 #include <KestoDM/platform/BaEnvVar.h>
@@ -15,8 +16,20 @@
 #include <KestoDM/platform/BaMessageTypes.h>
 #include <KestoDM/platform/BaSharedLibraryManager.h>
 #include <KestoDM/platform/BaSharedLibraryUtils.h>
+#include <KestoDM/platform/DefaultClassFunction.h>
 #include <KestoDM/platform/DmExport.h>
+#include <KestoDM/platform/InputStream.h>
 #include <KestoDM/platform/NamingSupport.h>
+#include <KestoDM/platform/OutputStream.h>
+#include <KestoDM/platform/Ptr.h>
+#include <KestoDM/platform/RttiTable.h>
+#include <KestoDM/platform/RuntimeAny.h>
+#include <KestoDM/platform/RuntimeTypeInfo.h>
+#include <KestoDM/platform/SerializationData.h>
+#include <KestoDM/platform/String.h>
+#include <KestoDM/platform/TypeManager.h>
+#include <KestoDM/platform/UntypedArray.h>
+#include <KestoDM/platform/UntypedTypeRep.h>
 
 #include <KestoDM/foundation/DmEntity.h>
 #include <KestoDM/foundation/DmInstanceCounter.h>
@@ -31,8 +44,23 @@
 #include <KestoDM/foundation/LinkedHashMap.h>
 #include <KestoDM/foundation/LinkedHashSet.h>
 
+#include <KestoDM/types/DmArrayType.h>
+#include <KestoDM/types/DmBaseType.h>
+#include <KestoDM/types/DmBuiltInType.h>
+#include <KestoDM/types/DmClassSerialization.h>
+#include <KestoDM/types/DmClassType.h>
+#include <KestoDM/types/DmEnumType.h>
+#include <KestoDM/types/DmExternBaseType.h>
+#include <KestoDM/types/DmExternSymbol.h>
+#include <KestoDM/types/DmMangledName.h>
 #include <KestoDM/types/DmMetadata.h>
 #include <KestoDM/types/DmMetadataItem.h>
+#include <KestoDM/types/DmStructType.h>
+#include <KestoDM/types/DmTypeKind.h>
+#include <KestoDM/types/DmUninstantiableType.h>
+#include <KestoDM/types/DmUnknownStructType.h>
+#include <KestoDM/types/DmUnknownType.h>
+#include <KestoDM/types/ExternTargetSet.h>
 
 #include <KestoDM/graph/DmExternOperator.h>
 

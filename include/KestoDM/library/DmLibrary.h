@@ -10,7 +10,24 @@
 namespace Kesto {
 
 class BaContext;
+class DmAnyType;
+class DmArrayType;
+class DmAutoType;
+class DmBoolType;
+class DmCharType;
+class DmClassType;
+class DmDoubleType;
+class DmFloatType;
+class DmIntType;
+class DmLongType;
 class DmMessageLogger;
+class DmShortType;
+class DmStringType;
+class DmUCharType;
+class DmUIntType;
+class DmULongType;
+class DmUShortType;
+class DmUndefinedType;
 
 /// The object through which a host enters the system: it owns the message log
 /// and, as the model grows, the namespaces, registers and resolvers that every
@@ -49,6 +66,33 @@ public:
     DmExternOperator::CancellationPolicy getDefaultCancellationPolicy() const noexcept {
         return m_defaultCancellationPolicy;
     }
+    /// @}
+
+    /// @name Type singletons
+    /// Shared by every library of the process, made on first call and const
+    /// from birth: no library can alter them.
+    /// @{
+    static std::shared_ptr<DmAnyType> const& getAnyType();
+    static std::shared_ptr<DmArrayType> const& getArrayOfAnyType();
+    static std::shared_ptr<DmAutoType> const& getAutoType();
+    static std::shared_ptr<DmBoolType> const& getBoolType();
+    static std::shared_ptr<DmCharType> const& getCharType();
+    static std::shared_ptr<DmUCharType> const& getUCharType();
+    static std::shared_ptr<DmShortType> const& getShortType();
+    static std::shared_ptr<DmUShortType> const& getUShortType();
+    static std::shared_ptr<DmIntType> const& getIntType();
+    static std::shared_ptr<DmUIntType> const& getUIntType();
+    static std::shared_ptr<DmLongType> const& getLongType();
+    static std::shared_ptr<DmULongType> const& getULongType();
+    static std::shared_ptr<DmFloatType> const& getFloatType();
+    static std::shared_ptr<DmDoubleType> const& getDoubleType();
+    static std::shared_ptr<DmStringType> const& getStringType();
+    /// "__undefined__": the type of what was named but never defined.
+    static std::shared_ptr<DmUndefinedType> const& getUndefinedType();
+    /// "__RuntimeServices__": the opaque class of the runtime services handle an operator may ask for.
+    static std::shared_ptr<DmClassType> const& getRuntimeServicesType();
+    /// "__TypeRegistry__": the opaque class of the type registry handle.
+    static std::shared_ptr<DmClassType> const& getTypeRegistryType();
     /// @}
 
 private:

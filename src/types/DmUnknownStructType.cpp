@@ -1,0 +1,29 @@
+#include <KestoDM/types/DmUnknownStructType.h>
+
+namespace Kesto {
+
+DmUnknownStructType::DmUnknownStructType(InternalConstructor, std::string const& name)
+    : DmStructType(name, kTypeUnknownStruct) {}
+
+DmUnknownStructType::~DmUnknownStructType() = default;
+
+bool DmUnknownStructType::isFullyResolved() const {
+    return false;
+}
+
+DmStatus DmUnknownStructType::setNamespace(DmNamespace* ns, DmNameResolutionType resolution) {
+    DmStatus const status = DmStructType::setNamespace(ns, resolution);
+    if (status.isFailure()) {
+        return status;
+    }
+    // The member types were made for this struct by the same file: they follow it.
+    for (auto const& entry : *this) {
+        std::shared_ptr<DmBaseType> memberType = std::const_pointer_cast<DmBaseType>(entry.second->getType());
+        if (memberType) {
+            static_cast<void>(memberType->setNamespace(ns, resolution));
+        }
+    }
+    return status;
+}
+
+} // namespace Kesto
