@@ -51,15 +51,16 @@ Ptr<void> DmClassSerialization::invokeDeserialize(SerializationData const& data)
     if (!m_context) {
         return Ptr<void>();
     }
-    if (m_deserializeFn == nullptr) {
-        m_deserializeFn =
-            reinterpret_cast<DeserializeFunction>(resolveFunction(m_deserializeSymbol, "Deserialize"));
-        if (m_deserializeFn == nullptr) {
+    DeserializeFunction function = m_deserializeFn.load();
+    if (function == nullptr) {
+        function = reinterpret_cast<DeserializeFunction>(resolveFunction(m_deserializeSymbol, "Deserialize"));
+        if (function == nullptr) {
             return Ptr<void>();
         }
+        m_deserializeFn.store(function);
     }
     Ptr<void> object;
-    if (!m_deserializeFn(data, object)) {
+    if (!function(data, object)) {
         return Ptr<void>();
     }
     return object;
@@ -69,14 +70,16 @@ DmStatus DmClassSerialization::invokeSerialize(Ptr<void> const& object, Serializ
     if (!object || !m_context) {
         return DmStatus::kFailure;
     }
-    if (m_serializeFn == nullptr) {
-        m_serializeFn = reinterpret_cast<SerializeFunction>(resolveFunction(m_serializeSymbol, "Serialize"));
-        if (m_serializeFn == nullptr) {
+    SerializeFunction function = m_serializeFn.load();
+    if (function == nullptr) {
+        function = reinterpret_cast<SerializeFunction>(resolveFunction(m_serializeSymbol, "Serialize"));
+        if (function == nullptr) {
             return DmStatus::kFailure;
         }
+        m_serializeFn.store(function);
     }
     data = CompositeSerializationData();
-    return m_serializeFn(object.get(), data) ? DmStatus::kSuccess : DmStatus::kFailure;
+    return function(object.get(), data) ? DmStatus::kSuccess : DmStatus::kFailure;
 }
 
 } // namespace Kesto

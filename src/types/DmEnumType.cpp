@@ -2,6 +2,8 @@
 
 #include <KestoDM/platform/RttiTable.h>
 
+#include <limits>
+
 namespace Kesto {
 
 DmEnumType::DmEnumType(InternalConstructor, std::string const& name) : DmExternBaseType(name, kTypeEnum) {}
@@ -9,6 +11,9 @@ DmEnumType::DmEnumType(InternalConstructor, std::string const& name) : DmExternB
 DmEnumType::~DmEnumType() = default;
 
 bool DmEnumType::addEnumeration(String const& key) {
+    if (m_lastValue == std::numeric_limits<int>::max()) {
+        return false; // no integer follows the last one
+    }
     return addEnumeration(key, m_lastValue + 1);
 }
 

@@ -17,6 +17,35 @@ std::uint64_t roundUp(std::uint64_t offset, std::uint64_t alignment) {
     return (offset + alignment - 1) / alignment * alignment;
 }
 
+bool isStructKind(DmBaseType const& type) {
+    return type.getTypeKind() == kTypeStruct || type.getTypeKind() == kTypeUnknownStruct;
+}
+
+// Whether `type` holds `target` by value, directly or through nested structs.
+// Arrays hold their elements by reference and break no layout, so they are
+// not followed.
+bool holdsStruct(DmBaseType const* type, DmStructType const* target, std::vector<DmBaseType const*>& seen) {
+    if (type == nullptr || !isStructKind(*type)) {
+        return false;
+    }
+    if (type == target) {
+        return true;
+    }
+    if (std::find(seen.begin(), seen.end(), type) != seen.end()) {
+        return false;
+    }
+    seen.push_back(type);
+    auto const& structType = static_cast<DmStructType const&>(*type);
+    return std::any_of(structType.begin(), structType.end(), [&](auto const& entry) {
+        return holdsStruct(entry.second->getType().get(), target, seen);
+    });
+}
+
+bool wouldHoldItself(DmStructType const* owner, std::shared_ptr<DmBaseType const> const& type) {
+    std::vector<DmBaseType const*> seen;
+    return owner != nullptr && holdsStruct(type.get(), owner, seen);
+}
+
 std::shared_ptr<DmStructType::MemberMap> newMemberMap() {
     auto map = std::make_shared<DmStructType::MemberMap>();
     map->max_load_factor(1.0f);
@@ -34,7 +63,7 @@ DmStructType::~DmStructType() = default;
 
 std::shared_ptr<DmStructType::Member> DmStructType::addMember(std::string const& name,
                                                               std::shared_ptr<DmBaseType const> const& type) {
-    if (m_members->contains(name)) {
+    if (m_members->contains(name) || wouldHoldItself(this, type)) {
         return nullptr;
     }
     std::shared_ptr<Member> member = Member::newMember(name, type, nullptr, this);
@@ -120,8 +149,14 @@ Internal::RuntimeTypeInfo const* DmStructType::getRuntimeTypeInfo() const {
         members.push_back(info);
     }
     Internal::RttiTable& table = Internal::GlobalRttiTable::get();
+    Internal::UntypedTypeRep const rep = getUntypedTypeRep();
     Internal::RuntimeTypeInfo const* info =
-        table.getOrInsertStruct(table.getOrInsertMangle(mangled), std::move(members), getUntypedTypeRep());
+        table.getOrInsertStruct(table.getOrInsertMangle(mangled), members, rep);
+    // The table keeps the first layout registered under a mangled name; a
+    // struct whose members changed since has no native form any more.
+    if (info == nullptr || info->getMembers() != members || info->getUntypedTypeRep().size() != rep.size()) {
+        return nullptr;
+    }
     m_runtimeTypeInfo.exchange(info);
     return info;
 }
@@ -169,12 +204,16 @@ void DmStructType::Member::rebuildSubMembers() {
     }
 }
 
-void DmStructType::Member::setType(std::shared_ptr<DmBaseType const> type) {
+bool DmStructType::Member::setType(std::shared_ptr<DmBaseType const> type) {
+    if (wouldHoldItself(m_parentType, type)) {
+        return false;
+    }
     m_type = std::move(type);
     rebuildSubMembers();
     if (m_parentType != nullptr) {
         m_parentType->markDirty();
     }
+    return true;
 }
 
 std::string DmStructType::Member::getMemberPath() const {

@@ -6,6 +6,7 @@
 #include <KestoDM/platform/Ptr.h>
 #include <KestoDM/platform/SerializationData.h>
 
+#include <atomic>
 #include <memory>
 #include <string>
 
@@ -22,8 +23,8 @@ class DmMessageLogger;
 ///     bool serialize(void* object, Kesto::SerializationData& data);
 ///
 /// A function found is kept; one that cannot be found is reported to the
-/// logger each time it is looked for. The cache is plain: a race between two
-/// threads only repeats the lookup.
+/// logger each time it is looked for. The cache is atomic but not locked: a
+/// race between two threads only repeats the lookup.
 class KESTODM_API DmClassSerialization : public DmInstanceCounter<DmClassSerialization> {
 public:
     using DeserializeFunction = bool (*)(SerializationData const&, Ptr<void>&);
@@ -62,8 +63,8 @@ private:
     std::shared_ptr<DmExternSymbol> m_serializeSymbol;
     std::shared_ptr<BaContext> m_context;
     DmMessageLogger* m_logger;
-    DeserializeFunction m_deserializeFn = nullptr;
-    SerializeFunction m_serializeFn = nullptr;
+    std::atomic<DeserializeFunction> m_deserializeFn{nullptr};
+    std::atomic<SerializeFunction> m_serializeFn{nullptr};
 };
 
 } // namespace Kesto

@@ -23,7 +23,8 @@ public:
 
     /// @name Enumerations
     /// @{
-    /// Adds `key` with the integer after the last one used (0 for the first).
+    /// Adds `key` with the integer after the last one used (0 for the first);
+    /// false when the last one used is the largest int.
     bool addEnumeration(String const& key);
     /// Adds `key` with `value`; false when the key or the integer is taken.
     bool addEnumeration(String const& key, int value);

@@ -31,7 +31,9 @@ public:
 
     /// @name Members
     /// @{
-    /// Appends a member and drops the cached layout. Returns null when the name is taken.
+    /// Appends a member and drops the cached layout. Returns null when the name
+    /// is taken, or when the member's type holds this struct (a struct cannot
+    /// hold itself by value, directly or through other structs).
     virtual std::shared_ptr<Member> addMember(std::string const& name,
                                               std::shared_ptr<DmBaseType const> const& type);
     std::size_t size() const { return m_members->size(); }
@@ -87,8 +89,9 @@ public:
     ~Member() override;
 
     std::shared_ptr<DmBaseType const> const& getType() const noexcept { return m_type; }
-    /// Changes the type, rebuilds the sub-members and drops the struct's layout.
-    void setType(std::shared_ptr<DmBaseType const> type);
+    /// Changes the type, rebuilds the sub-members and drops the struct's layout;
+    /// false (and no change) when the type holds the member's own struct.
+    bool setType(std::shared_ptr<DmBaseType const> type);
     /// The dotted path from the top of the struct: "outer.inner".
     std::string getMemberPath() const;
     std::uint64_t getOffset() const noexcept { return m_offset; }
