@@ -62,6 +62,10 @@
 #include <KestoDM/types/DmUnknownType.h>
 #include <KestoDM/types/ExternTargetSet.h>
 
+#include <KestoDM/graph/DmCollect.h>
 #include <KestoDM/graph/DmExternOperator.h>
+#include <KestoDM/graph/DmNamespace.h>
+#include <KestoDM/graph/DmScope.h>
+#include <KestoDM/graph/DmSelector.h>
 
 #include <KestoDM/library/DmLibrary.h>

@@ -2,12 +2,22 @@
 
 #include <KestoDM/foundation/DmMessageLogger.h>
 #include <KestoDM/foundation/DmMessageReport.h>
+#include <KestoDM/foundation/DmNameUtils.h>
+#include <KestoDM/foundation/DmOSUtils.h>
 #include <KestoDM/platform/BaContext.h>
+#include <KestoDM/types/DmArrayType.h>
+#include <KestoDM/types/DmBaseType.h>
 
+#include "graph/DmRootNamespaces.h"
 #include "library/DmLibraryFaults.h"
 #include "types/DmTypeSingletons.h"
 
+#include <boost/filesystem/operations.hpp>
+#include <boost/filesystem/path.hpp>
+
 #include <atomic>
+#include <string_view>
+#include <system_error>
 
 namespace Kesto {
 
@@ -25,7 +35,165 @@ bool shouldFailLibraryInitialization() noexcept {
     return s_failInitialization.load();
 }
 
+DmNamespace const& builtInNamespace() {
+    return *DmLibrary::getBuiltInNamespace();
+}
+
+DmNamespace const& reservedNamespace() {
+    return *DmLibrary::getReservedNamespace();
+}
+
 } // namespace Internal
+
+// ---------------------------------------------------------------------------
+// The three roots
+
+/// The root of one library's content. Asked for a type it does not hold, it
+/// tries the name as an array form ("array<ns::T>", white space ignored) and,
+/// when the element exists, makes the array type and files it here: arrays
+/// exist on demand, nested ones from the inside out. getType, which tries the
+/// built-in types first and then findType, inherits that.
+class DmLibrary::DmGlobalNamespace final : public DmNamespace {
+public:
+    DmGlobalNamespace(DmLibrary::InternalConstructor, std::shared_ptr<DmMessageLogger> logger)
+        : DmNamespace(DmNamespace::InternalConstructor(), "_KestoGlobalNamespace", std::move(logger)) {}
+
+    bool isGlobalNamespace() const override { return true; }
+
+    bool findType(std::string const& name, std::shared_ptr<DmBaseType const>& out) const override {
+        if (DmNamespace::findType(name, out)) {
+            return true;
+        }
+        return findArrayType(name, out);
+    }
+
+    bool findType(std::string const& name, std::shared_ptr<DmBaseType>& out) const override {
+        std::shared_ptr<DmBaseType const> found;
+        if (!findType(name, found)) {
+            return false;
+        }
+        out = std::const_pointer_cast<DmBaseType>(found);
+        return true;
+    }
+
+    std::shared_ptr<DmBaseType const> getArrayType(std::shared_ptr<DmBaseType const> const& element) {
+        if (!element || element->getTypeKind() == kTypeAuto) {
+            return nullptr;
+        }
+        if (element->getTypeKind() == kTypeAny) {
+            return DmLibrary::getArrayOfAnyType();
+        }
+        // The name is that of the array the element would get; looking it up
+        // first spares making an array type only to drop it again.
+        std::string elementName;
+        element->resolveFullName(elementName);
+        auto const found = getTypes().find(DmArrayType::makeArrayName(elementName));
+        if (found != getTypes().end()) {
+            return found->second;
+        }
+        auto const array = std::make_shared<DmArrayType>(element);
+        if (array->setNamespace(this, kFailOnClash) != DmStatus::kSuccess) {
+            return nullptr;
+        }
+        return array;
+    }
+
+private:
+    // The white space of the classic locale.
+    static bool isSpace(char c) noexcept {
+        return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
+    }
+
+    bool findArrayType(std::string const& name, std::shared_ptr<DmBaseType const>& out) const {
+        std::string compact;
+        compact.reserve(name.size());
+        for (char const c : name) {
+            if (!isSpace(c)) {
+                compact += c;
+            }
+        }
+        std::string elementName;
+        if (!DmLibrary::isArrayType(compact, elementName)) {
+            return false;
+        }
+        std::shared_ptr<DmBaseType const> element;
+        if (!getType(elementName, element)) {
+            return false;
+        }
+        // Making an array on demand changes what the namespace holds, not what
+        // it means: every name resolves as it would have before.
+        out = const_cast<DmGlobalNamespace*>(this)->getArrayType(element);
+        return out != nullptr;
+    }
+};
+
+class DmLibrary::DmBuiltInNamespace final : public DmNamespace {
+public:
+    explicit DmBuiltInNamespace(DmLibrary::InternalConstructor)
+        : DmNamespace(DmNamespace::InternalConstructor(), "_KestoBuiltInNamespace", nullptr) {}
+
+    bool isBuiltInNamespace() const override { return true; }
+};
+
+class DmLibrary::DmReservedNamespace final : public DmNamespace {
+public:
+    explicit DmReservedNamespace(DmLibrary::InternalConstructor)
+        : DmNamespace(DmNamespace::InternalConstructor(), "_KestoReservedNamespace", nullptr) {}
+
+    bool isReservedNamespace() const override { return true; }
+};
+
+namespace {
+
+template <class Type>
+void place(std::shared_ptr<Type> const& type, DmNamespace& ns) {
+    // Cannot fail: the singleton is const and in no namespace yet (placeType
+    // keeps it so until the process-wide namespaces exist), and the names differ.
+    type->setNamespace(&ns, kFailOnClash);
+}
+
+} // namespace
+
+std::shared_ptr<DmNamespace const> const& DmLibrary::getBuiltInNamespace() {
+    // A function-local static: made once, thread-safely, on first call, and
+    // read-only afterwards, so every library of every thread shares it.
+    static std::shared_ptr<DmNamespace const> const s_namespace = [] {
+        auto ns = std::make_shared<DmBuiltInNamespace>(InternalConstructor());
+        place(Internal::TypeSingletons::autoType(), *ns);
+        place(Internal::TypeSingletons::boolType(), *ns);
+        place(Internal::TypeSingletons::charType(), *ns);
+        place(Internal::TypeSingletons::ucharType(), *ns);
+        place(Internal::TypeSingletons::shortType(), *ns);
+        place(Internal::TypeSingletons::ushortType(), *ns);
+        place(Internal::TypeSingletons::intType(), *ns);
+        place(Internal::TypeSingletons::uintType(), *ns);
+        place(Internal::TypeSingletons::longType(), *ns);
+        place(Internal::TypeSingletons::ulongType(), *ns);
+        place(Internal::TypeSingletons::floatType(), *ns);
+        place(Internal::TypeSingletons::doubleType(), *ns);
+        place(Internal::TypeSingletons::anyType(), *ns);
+        place(Internal::TypeSingletons::arrayOfAnyType(), *ns);
+        place(Internal::TypeSingletons::stringType(), *ns);
+        ns->makeConst();
+        return std::shared_ptr<DmNamespace const>(std::move(ns));
+    }();
+    return s_namespace;
+}
+
+std::shared_ptr<DmNamespace const> const& DmLibrary::getReservedNamespace() {
+    static std::shared_ptr<DmNamespace const> const s_namespace = [] {
+        auto ns = std::make_shared<DmReservedNamespace>(InternalConstructor());
+        place(Internal::TypeSingletons::runtimeServicesType(), *ns);
+        place(Internal::TypeSingletons::typeRegistryType(), *ns);
+        place(Internal::TypeSingletons::undefinedType(), *ns);
+        ns->makeConst();
+        return std::shared_ptr<DmNamespace const>(std::move(ns));
+    }();
+    return s_namespace;
+}
+
+// ---------------------------------------------------------------------------
+// Construction
 
 std::shared_ptr<DmLibrary> DmLibrary::newLibrary(std::shared_ptr<BaContext> context,
                                                  std::ostream* errorStream,
@@ -34,9 +202,7 @@ std::shared_ptr<DmLibrary> DmLibrary::newLibrary(std::shared_ptr<BaContext> cont
     // connects shared_from_this before initialize runs.
     auto library = std::make_shared<DmLibrary>(InternalConstructor(), std::move(context), policy);
     if (!library->initialize(errorStream)) {
-        library->m_errorLogger->reportMessage(std::make_shared<DmMessageReport>(
-            BaMessageTypes::kMessageError, std::string(), "the library could not be initialized",
-            "library initialization failed"));
+        library->reportInitializationFailure();
     }
     return library;
 }
@@ -53,78 +219,310 @@ DmLibrary::~DmLibrary() {
 
 bool DmLibrary::initialize(std::ostream* errorStream) {
     m_errorLogger = std::make_shared<DmMessageLogger>(errorStream);
+    m_globalNamespace = std::make_shared<DmGlobalNamespace>(InternalConstructor(), m_errorLogger);
+    // Both process-wide namespaces, so that every type singleton sits in its
+    // namespace before this library's thread can use one.
+    getBuiltInNamespace();
+    getReservedNamespace();
     return !Internal::shouldFailLibraryInitialization();
 }
 
+void DmLibrary::reportInitializationFailure() {
+    m_errorLogger->reportMessage(std::make_shared<DmMessageReport>(
+        BaMessageTypes::kMessageError, std::string(), "the library could not be initialized",
+        "library initialization failed"));
+}
+
+bool DmLibrary::reset() {
+    m_resourceFilePaths.clear();
+    m_jsonFiles.clear();
+    m_globalNamespace.reset();
+    // Messages not yet printed are lost with the old log.
+    std::ostream* errorStream = nullptr;
+    if (m_errorLogger) {
+        errorStream = m_errorLogger->getErrorStream();
+        m_errorLogger->clear();
+        m_errorLogger.reset();
+    }
+    if (initialize(errorStream)) {
+        return true;
+    }
+    reportInitializationFailure();
+    return false;
+}
+
+DmLibrary::DmGlobalNamespace& DmLibrary::globalNamespace() const {
+    return static_cast<DmGlobalNamespace&>(*m_globalNamespace);
+}
+
+// ---------------------------------------------------------------------------
+// Types
+
+bool DmLibrary::retrieveType(std::string const& name, std::shared_ptr<DmBaseType const>& out) {
+    if (getBuiltInNamespace()->findType(name, out)) {
+        return true;
+    }
+    if (m_globalNamespace->getType(name, out)) {
+        return true;
+    }
+    return getReservedNamespace()->findType(name, out);
+}
+
+std::shared_ptr<DmBaseType const> DmLibrary::getArrayType(std::shared_ptr<DmBaseType const> const& element) {
+    return globalNamespace().getArrayType(element);
+}
+
+bool DmLibrary::isArrayType(std::string const& typeName, std::string& elementTypeName) {
+    static constexpr std::string_view kOpening = "array<";
+    // "array<" + at least one character + ">".
+    if (typeName.size() > kOpening.size() + 1 && typeName.compare(0, kOpening.size(), kOpening) == 0 &&
+        typeName.back() == '>') {
+        elementTypeName.assign(typeName, kOpening.size(), typeName.size() - kOpening.size() - 1);
+        return true;
+    }
+    elementTypeName.clear();
+    return false;
+}
+
+namespace {
+
+// Visits `ns` and then, depth first, every namespace nested in it.
+template <class Visit>
+void walkNamespaces(DmNamespace const& ns, Visit const& visit) {
+    visit(ns);
+    for (auto const& entry : ns.getNestedNamespaces()) {
+        walkNamespaces(*entry.second, visit);
+    }
+}
+
+template <class Map>
+void addTypesByFullName(DmNamespace const& ns, Map& types) {
+    for (auto const& entry : ns.getTypes()) {
+        std::string fullName;
+        entry.second->resolveFullName(fullName);
+        types.insert(std::move(fullName), entry.second);
+    }
+}
+
+template <class Map>
+Map collectTypes(DmNamespace const& global, bool withReserved) {
+    Map types;
+    addTypesByFullName(*DmLibrary::getBuiltInNamespace(), types);
+    walkNamespaces(global, [&types](DmNamespace const& ns) { addTypesByFullName(ns, types); });
+    if (withReserved) {
+        addTypesByFullName(*DmLibrary::getReservedNamespace(), types);
+    }
+    return types;
+}
+
+} // namespace
+
+DmLibrary::TypeMap DmLibrary::getTypes(bool withReserved) const {
+    return collectTypes<TypeMap>(*m_globalNamespace, withReserved);
+}
+
+DmLibrary::ConstTypeMap DmLibrary::getConstTypes(bool withReserved) const {
+    return collectTypes<ConstTypeMap>(*m_globalNamespace, withReserved);
+}
+
+// ---------------------------------------------------------------------------
+// Other content
+
+DmLibrary::NodeDefMap DmLibrary::getNodeDefs() const {
+    // Definitions are registered in namespaces once node definitions exist;
+    // until then every namespace's map is empty.
+    return NodeDefMap();
+}
+
+DmLibrary::CompoundMap DmLibrary::getCompounds() const {
+    // What collect with kCollectCompounds gathers; nothing until compounds exist.
+    return CompoundMap();
+}
+
+DmLibrary::ConstNamespaceMap DmLibrary::getConstNamespaces() const {
+    ConstNamespaceMap namespaces;
+    for (auto const& entry : m_globalNamespace->getNestedNamespaces()) {
+        walkNamespaces(*entry.second, [&namespaces](DmNamespace const& ns) {
+            std::string fullName;
+            DmNameUtils::computeFullScopeName(ns, fullName);
+            namespaces.insert(std::move(fullName),
+                              std::static_pointer_cast<DmNamespace const>(ns.weak_from_this().lock()));
+        });
+    }
+    return namespaces;
+}
+
+DmLibrary::GlobalVariableMap DmLibrary::getGlobalVariables() const {
+    // Global variables are registered in namespaces once they exist; until
+    // then every namespace's map is empty.
+    return GlobalVariableMap();
+}
+
+DmLibrary::ConstGlobalVariableMap DmLibrary::getConstGlobalVariables() const {
+    return ConstGlobalVariableMap();
+}
+
+void DmLibrary::collect(DmCollectList& list, DmSelector const& selector, DmCollectMask mask,
+                        DmCollectFlags flags) const {
+    m_globalNamespace->collect(list, selector, mask, flags);
+}
+
+// ---------------------------------------------------------------------------
+// Resource directories
+
+DmStatus DmLibrary::addResourceFilePath(std::string const& path) {
+    m_resourceFilePaths.push_back(path);
+    return DmStatus::kSuccess;
+}
+
+DmStatus DmLibrary::clearResourceFilePaths() {
+    m_resourceFilePaths.clear();
+    return DmStatus::kSuccess;
+}
+
+// ---------------------------------------------------------------------------
+// The table of JSON files
+
+bool DmLibrary::cacheJsonFilenamesForLoad(std::string const& directory) {
+    namespace fs = boost::filesystem;
+    if (m_jsonFiles.contains(directory)) {
+        return false;
+    }
+    boost::system::error_code error;
+    fs::path const path(directory);
+    if (!fs::is_directory(path, error) || error) {
+        return false;
+    }
+    std::size_t const before = m_jsonFiles.size();
+    for (fs::directory_iterator it(path, error), end; !error && it != end; it.increment(error)) {
+        fs::path const& file = it->path();
+        boost::system::error_code statusError;
+        if (fs::is_regular_file(it->status(statusError)) && !statusError && file.extension() == ".json") {
+            m_jsonFiles.insert(file.lexically_normal().string(), false);
+        }
+    }
+    // A directory that gave nothing new is not remembered: a later call lists
+    // it again, and finds the files made in between.
+    if (m_jsonFiles.size() == before) {
+        return false;
+    }
+    m_jsonFiles.insert(directory, true);
+    return true;
+}
+
+bool DmLibrary::isJsonFileLoaded(std::string const& name) const {
+    auto const found = m_jsonFiles.find(name);
+    return found != m_jsonFiles.end() && found->second;
+}
+
+std::pair<bool, bool> DmLibrary::isJsonFilenameCachedForLoad(std::string const& path) const {
+    if (m_jsonFiles.contains(path)) {
+        return {true, true};
+    }
+    std::string parent;
+    std::string filename;
+    DmOSUtils::getParentPathAndFilename(path, parent, filename);
+    return {m_jsonFiles.contains(parent), false};
+}
+
+void DmLibrary::setJsonFileAsLoaded(std::string const& name) {
+    if (name.empty()) {
+        return;
+    }
+    m_jsonFiles[name] = true;
+}
+
+// ---------------------------------------------------------------------------
+// Type singletons: each reached through its namespace first, so that it is in
+// place before any caller sees it.
+
 std::shared_ptr<DmAnyType> const& DmLibrary::getAnyType() {
+    getBuiltInNamespace();
     return Internal::TypeSingletons::anyType();
 }
 
 std::shared_ptr<DmArrayType> const& DmLibrary::getArrayOfAnyType() {
+    getBuiltInNamespace();
     return Internal::TypeSingletons::arrayOfAnyType();
 }
 
 std::shared_ptr<DmAutoType> const& DmLibrary::getAutoType() {
+    getBuiltInNamespace();
     return Internal::TypeSingletons::autoType();
 }
 
 std::shared_ptr<DmBoolType> const& DmLibrary::getBoolType() {
+    getBuiltInNamespace();
     return Internal::TypeSingletons::boolType();
 }
 
 std::shared_ptr<DmCharType> const& DmLibrary::getCharType() {
+    getBuiltInNamespace();
     return Internal::TypeSingletons::charType();
 }
 
 std::shared_ptr<DmUCharType> const& DmLibrary::getUCharType() {
+    getBuiltInNamespace();
     return Internal::TypeSingletons::ucharType();
 }
 
 std::shared_ptr<DmShortType> const& DmLibrary::getShortType() {
+    getBuiltInNamespace();
     return Internal::TypeSingletons::shortType();
 }
 
 std::shared_ptr<DmUShortType> const& DmLibrary::getUShortType() {
+    getBuiltInNamespace();
     return Internal::TypeSingletons::ushortType();
 }
 
 std::shared_ptr<DmIntType> const& DmLibrary::getIntType() {
+    getBuiltInNamespace();
     return Internal::TypeSingletons::intType();
 }
 
 std::shared_ptr<DmUIntType> const& DmLibrary::getUIntType() {
+    getBuiltInNamespace();
     return Internal::TypeSingletons::uintType();
 }
 
 std::shared_ptr<DmLongType> const& DmLibrary::getLongType() {
+    getBuiltInNamespace();
     return Internal::TypeSingletons::longType();
 }
 
 std::shared_ptr<DmULongType> const& DmLibrary::getULongType() {
+    getBuiltInNamespace();
     return Internal::TypeSingletons::ulongType();
 }
 
 std::shared_ptr<DmFloatType> const& DmLibrary::getFloatType() {
+    getBuiltInNamespace();
     return Internal::TypeSingletons::floatType();
 }
 
 std::shared_ptr<DmDoubleType> const& DmLibrary::getDoubleType() {
+    getBuiltInNamespace();
     return Internal::TypeSingletons::doubleType();
 }
 
 std::shared_ptr<DmStringType> const& DmLibrary::getStringType() {
+    getBuiltInNamespace();
     return Internal::TypeSingletons::stringType();
 }
 
 std::shared_ptr<DmUndefinedType> const& DmLibrary::getUndefinedType() {
+    getReservedNamespace();
     return Internal::TypeSingletons::undefinedType();
 }
 
 std::shared_ptr<DmClassType> const& DmLibrary::getRuntimeServicesType() {
+    getReservedNamespace();
     return Internal::TypeSingletons::runtimeServicesType();
 }
 
 std::shared_ptr<DmClassType> const& DmLibrary::getTypeRegistryType() {
+    getReservedNamespace();
     return Internal::TypeSingletons::typeRegistryType();
 }
 

@@ -9,6 +9,8 @@
 
 namespace Kesto {
 
+class DmScope;
+
 /// Finds unique names. A name splits into a base and a trailing number
 /// ("node12" is "node" and 12); a clash is resolved by giving the wanted base
 /// the number after the highest one in use.
@@ -39,6 +41,11 @@ public:
             names.emplace_back(first->first);
         getNewName(names, name, context);
     }
+
+    /// The full path of `scope` ("a::b" for b nested in a under a root; empty
+    /// for a root): empties `out`, fills it with DmScope::resolveScopeName and
+    /// returns it. Defined with the scopes, in the graph layer.
+    static std::string& computeFullScopeName(DmScope const& scope, std::string& out);
 
 private:
     friend struct DmNameUtilsTestAccess;

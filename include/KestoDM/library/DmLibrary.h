@@ -1,11 +1,18 @@
 #pragma once
 
 #include <KestoDM/foundation/DmInstanceCounter.h>
+#include <KestoDM/foundation/DmStatus.h>
+#include <KestoDM/foundation/LinkedHashMap.h>
+#include <KestoDM/graph/DmCollect.h>
 #include <KestoDM/graph/DmExternOperator.h>
+#include <KestoDM/graph/DmNamespace.h>
 #include <KestoDM/platform/DmExport.h>
 
 #include <iosfwd>
 #include <memory>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace Kesto {
 
@@ -13,14 +20,19 @@ class BaContext;
 class DmAnyType;
 class DmArrayType;
 class DmAutoType;
+class DmBaseType;
 class DmBoolType;
 class DmCharType;
 class DmClassType;
+class DmCompound;
 class DmDoubleType;
 class DmFloatType;
+class DmGlobalVariable;
 class DmIntType;
 class DmLongType;
 class DmMessageLogger;
+class DmNodeDef;
+class DmSelector;
 class DmShortType;
 class DmStringType;
 class DmUCharType;
@@ -29,12 +41,19 @@ class DmULongType;
 class DmUShortType;
 class DmUndefinedType;
 
-/// The object through which a host enters the system: it owns the message log
-/// and, as the model grows, the namespaces, registers and resolvers that every
-/// load and edit hangs from. Made only by newLibrary; dropping the last
-/// reference prints the messages still in the log.
+/// The object through which a host enters the system. A library owns the
+/// message log, the global namespace "_KestoGlobalNamespace" under which all
+/// user content hangs, the list of resource directories and the table of JSON
+/// files met while loading. The built-in namespace, the reserved namespace and
+/// the type singletons are the process's, shared by every library.
 ///
-/// One library belongs to one thread at a time.
+/// Made only by newLibrary; reset drops the user content and starts afresh;
+/// dropping the last reference prints the messages still in the log, then
+/// releases the members in reverse order.
+///
+/// One library belongs to one thread at a time: it has no lock. What it shares
+/// with other libraries (the process-wide namespaces and type singletons) is
+/// made once, thread-safely, and only read afterwards.
 class KESTODM_API DmLibrary : public std::enable_shared_from_this<DmLibrary>,
                               public DmInstanceCounter<DmLibrary> {
     struct InternalConstructor {
@@ -42,6 +61,24 @@ class KESTODM_API DmLibrary : public std::enable_shared_from_this<DmLibrary>,
     };
 
 public:
+    class DmGlobalNamespace;
+    class DmBuiltInNamespace;
+    class DmReservedNamespace;
+
+    using TypeMap = LinkedHashMap<std::string, std::shared_ptr<DmBaseType>, StringHasher, StringCompare>;
+    using ConstTypeMap =
+        LinkedHashMap<std::string, std::shared_ptr<DmBaseType const>, StringHasher, StringCompare>;
+    using NodeDefMap = LinkedHashMap<std::string, std::shared_ptr<DmNodeDef>, StringHasher, StringCompare>;
+    using CompoundMap = LinkedHashMap<std::string, std::shared_ptr<DmCompound>, StringHasher, StringCompare>;
+    using ConstNamespaceMap =
+        LinkedHashMap<std::string, std::shared_ptr<DmNamespace const>, StringHasher, StringCompare>;
+    using GlobalVariableMap =
+        LinkedHashMap<std::string, std::shared_ptr<DmGlobalVariable>, StringHasher, StringCompare>;
+    using ConstGlobalVariableMap =
+        LinkedHashMap<std::string, std::shared_ptr<DmGlobalVariable const>, StringHasher, StringCompare>;
+    /// JSON files and listed directories by path; see cacheJsonFilenamesForLoad.
+    using JsonFileMap = LinkedHashMap<std::string, bool, StringHasher, StringCompare>;
+
     /// @name Construction
     /// @{
     /// Makes a library. Never returns null because initialization failed: the
@@ -57,6 +94,14 @@ public:
     DmLibrary& operator=(DmLibrary const&) = delete;
     /// Prints and clears the messages left in the log, then releases the members.
     ~DmLibrary();
+
+    /// Returns the library to its state after newLibrary: the resource
+    /// directories, the table of JSON files, the global namespace with all
+    /// definitions under it and the log (unprinted messages are lost) go, and
+    /// initialization runs again on the same error stream. The context, the
+    /// cancellation policy and the process-wide namespaces stay. False, with
+    /// an error in the new log, when initialization fails.
+    bool reset();
     /// @}
 
     /// @name Queries
@@ -68,9 +113,97 @@ public:
     }
     /// @}
 
+    /// @name Namespaces
+    /// @{
+    /// The root of this library's content, named "_KestoGlobalNamespace". Asked
+    /// for a type, it makes array types on demand ("array<ns::T>", white space
+    /// ignored). A new one after each reset.
+    std::shared_ptr<DmNamespace> const& getGlobalNamespace() const noexcept { return m_globalNamespace; }
+    /// "_KestoBuiltInNamespace", the process's, holding auto, bool, char, uchar,
+    /// short, ushort, int, uint, long, ulong, float, double, any, array<any> and
+    /// string in that order. Made on first call; const.
+    static std::shared_ptr<DmNamespace const> const& getBuiltInNamespace();
+    /// "_KestoReservedNamespace", the process's, holding "__RuntimeServices__",
+    /// "__TypeRegistry__" and "__undefined__" in that order. Made on first call; const.
+    static std::shared_ptr<DmNamespace const> const& getReservedNamespace();
+    /// @}
+
+    /// @name Types
+    /// @{
+    /// The type of `name`: a built-in, else one of the global namespace (arrays
+    /// made on demand), else a reserved one. False when none has the name;
+    /// `out` is then as the last lookup left it.
+    bool retrieveType(std::string const& name, std::shared_ptr<DmBaseType const>& out);
+    /// The library's one array type of `element`: whatever the global namespace
+    /// files under the array's name, else a new array type filed there. The
+    /// array of any is the built-in one. Null for a null element, for auto (no
+    /// array of it exists), and when filing the new array fails.
+    std::shared_ptr<DmBaseType const> getArrayType(std::shared_ptr<DmBaseType const> const& element);
+    /// True when `typeName` has the array form "array<element>", with the
+    /// element's name in `elementTypeName`; false with it empty otherwise.
+    /// White space counts as part of the name.
+    static bool isArrayType(std::string const& typeName, std::string& elementTypeName);
+    /// Every type by full name: the built-ins, then those of the global
+    /// namespace and its nested namespaces (depth first), then, with
+    /// `withReserved`, the reserved ones. A full name met twice keeps the first.
+    TypeMap getTypes(bool withReserved) const;
+    ConstTypeMap getConstTypes(bool withReserved) const;
+    /// @}
+
+    /// @name Other content
+    /// Maps by full name, new at each call.
+    /// @{
+    /// The node definitions of the namespaces; empty until definitions exist.
+    NodeDefMap getNodeDefs() const;
+    /// The compounds that a walk of the global namespace collects; empty until compounds exist.
+    CompoundMap getCompounds() const;
+    /// The namespaces under the global namespace, depth first, by full path ("a", "a::b").
+    ConstNamespaceMap getConstNamespaces() const;
+    /// The global variables of the namespaces; empty until global variables exist.
+    GlobalVariableMap getGlobalVariables() const;
+    ConstGlobalVariableMap getConstGlobalVariables() const;
+    /// Appends what DmNamespace::collect gathers from the global namespace.
+    void collect(DmCollectList& list, DmSelector const& selector, DmCollectMask mask,
+                 DmCollectFlags flags) const;
+    /// @}
+
+    /// @name Resource directories
+    /// @{
+    /// The resource directories in the order of their addition, duplicates kept.
+    std::vector<std::string> const& getResourceFilePaths() const noexcept { return m_resourceFilePaths; }
+    /// Appends `path` without any check; always kSuccess.
+    DmStatus addResourceFilePath(std::string const& path);
+    /// Empties the list; always kSuccess.
+    DmStatus clearResourceFilePaths();
+    /// @}
+
+    /// @name The table of JSON files
+    /// The load pipeline remembers which directories it has listed and which
+    /// JSON files they hold, so that most existence tests of a load are one
+    /// hash lookup instead of a file-system call. A file's key is its full path
+    /// in lexically normal form, false until the file is loaded, true after; a
+    /// listed directory's key is the path as given, true.
+    /// @{
+    /// Lists `directory` (not recursively) and files every regular file with
+    /// the extension ".json". True when that added a file; the directory is
+    /// then remembered. False, and the directory is not remembered, when it is
+    /// known already, does not exist, is no directory, or holds no new JSON file.
+    bool cacheJsonFilenamesForLoad(std::string const& directory);
+    /// True when `name` is a loaded file (or a listed directory).
+    bool isJsonFileLoaded(std::string const& name) const;
+    /// {true, true} when `path` is in the table; else {listed, false}, where
+    /// `listed` says whether its directory was listed, in which case the file
+    /// does not exist as far as the load is concerned.
+    std::pair<bool, bool> isJsonFilenameCachedForLoad(std::string const& path) const;
+    /// Marks `name` as loaded; the empty name is ignored.
+    void setJsonFileAsLoaded(std::string const& name);
+    JsonFileMap const& getJsonFiles() const noexcept { return m_jsonFiles; }
+    /// @}
+
     /// @name Type singletons
     /// Shared by every library of the process, made on first call and const
-    /// from birth: no library can alter them.
+    /// from birth: no library can alter them. Each is in its process-wide
+    /// namespace by the time it is returned.
     /// @{
     static std::shared_ptr<DmAnyType> const& getAnyType();
     static std::shared_ptr<DmArrayType> const& getArrayOfAnyType();
@@ -97,10 +230,15 @@ public:
 
 private:
     bool initialize(std::ostream* errorStream);
+    void reportInitializationFailure();
+    DmGlobalNamespace& globalNamespace() const;
 
     // Members are released in reverse order of declaration.
     std::shared_ptr<BaContext> m_context;
     std::shared_ptr<DmMessageLogger> m_errorLogger;
+    std::shared_ptr<DmNamespace> m_globalNamespace;
+    std::vector<std::string> m_resourceFilePaths;
+    JsonFileMap m_jsonFiles;
     DmExternOperator::CancellationPolicy m_defaultCancellationPolicy;
 };
 
