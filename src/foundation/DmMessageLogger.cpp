@@ -5,6 +5,7 @@
 
 #include <cstdlib>
 #include <iostream>
+#include <vector>
 
 namespace Kesto {
 
@@ -18,7 +19,15 @@ void DmMessageLogger::reportMessage(std::shared_ptr<DmMessageReport> const& repo
     }
     addRecord(report);
     BaMessageTypes::MessageCategory const category = report->getInternalCategory();
-    if (category < BaMessageTypes::kMessageInfo && BaDebugEvs::get_KESTO_ALWAYS_PRINT_ERRORS()) {
+    // Printing works out entity names, which may report again (a scope with no
+    // parent): such a message is kept but not printed from inside the printing.
+    static thread_local bool s_printing = false;
+    if (category < BaMessageTypes::kMessageInfo && !s_printing &&
+        BaDebugEvs::get_KESTO_ALWAYS_PRINT_ERRORS()) {
+        struct PrintingScope {
+            PrintingScope() { s_printing = true; }
+            ~PrintingScope() { s_printing = false; }
+        } const printing;
         printRecord(std::cerr, *report, true);
         std::cerr << '\n';
         std::cerr.flush();
@@ -48,19 +57,34 @@ unsigned int DmMessageLogger::getMessageCount() const {
     return getCategoryCount(BaMessageCategory::kAll, false);
 }
 
+namespace {
+
+// Printing works out entity names, and working out a name may report a
+// message into this very log: walk a copy of the list, never the live one.
+std::vector<std::shared_ptr<BaMessageRecord>> snapshot(BaMessageRecordContainer const& records) {
+    std::vector<std::shared_ptr<BaMessageRecord>> copy;
+    copy.reserve(records.size());
+    for (auto it = records.begin(BaMessageCategory::kAll); it != records.end(); ++it) {
+        copy.push_back(it.getRecord());
+    }
+    return copy;
+}
+
+} // namespace
+
 void DmMessageLogger::printRecord(std::ostream& stream, BaMessageRecord const& record, bool recursive) {
     stream << record.getFormattedDescription() << '\n';
     if (!recursive) {
         return;
     }
-    for (auto it = record.begin(BaMessageCategory::kAll); it != record.end(); ++it) {
-        printRecord(stream, *it, true);
+    for (std::shared_ptr<BaMessageRecord> const& nested : snapshot(record)) {
+        printRecord(stream, *nested, true);
     }
 }
 
 void DmMessageLogger::printMessages(std::ostream& stream) const {
-    for (auto it = begin(BaMessageCategory::kAll); it != end(); ++it) {
-        printRecord(stream, *it, true);
+    for (std::shared_ptr<BaMessageRecord> const& record : snapshot(*this)) {
+        printRecord(stream, *record, true);
         stream << '\n';
     }
     stream.flush();
