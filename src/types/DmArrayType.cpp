@@ -1,5 +1,7 @@
 #include <KestoDM/types/DmArrayType.h>
 
+#include <KestoDM/types/DmArrayValue.h>
+
 #include <KestoDM/platform/RttiTable.h>
 #include <KestoDM/platform/UntypedArray.h>
 
@@ -56,6 +58,40 @@ Internal::RuntimeTypeInfo const* DmArrayType::getRuntimeTypeInfo() const {
         return nullptr;
     }
     return Internal::GlobalRttiTable::get().getOrInsertArray(element);
+}
+
+std::shared_ptr<DmBaseValue> DmArrayType::createValue() const {
+    return std::make_shared<DmArrayValue>(std::static_pointer_cast<DmArrayType const>(shared_from_this()));
+}
+
+std::shared_ptr<DmBaseValue> DmArrayType::createValue(unsigned long long size) const {
+    auto value =
+        std::make_shared<DmArrayValue>(std::static_pointer_cast<DmArrayType const>(shared_from_this()));
+    if (!value->assignArray(size)) {
+        return nullptr;
+    }
+    return value;
+}
+
+std::shared_ptr<DmBaseValue> DmArrayType::createValue(Ptr<void> const& array) const {
+    return createValue(Ptr<void>(array));
+}
+
+std::shared_ptr<DmBaseValue> DmArrayType::createValue(Ptr<void>&& array) const {
+    auto value =
+        std::make_shared<DmArrayValue>(std::static_pointer_cast<DmArrayType const>(shared_from_this()));
+    value->setData(std::move(array));
+    return value;
+}
+
+std::shared_ptr<DmBaseValue> DmArrayType::createDefaultValue() const {
+    return createValue(0ull);
+}
+
+std::shared_ptr<DmBaseValue>
+DmArrayType::createMemberValue(std::shared_ptr<unsigned char const> const& buffer) const {
+    return std::make_shared<DmArrayValue>(std::static_pointer_cast<DmArrayType const>(shared_from_this()),
+                                          buffer);
 }
 
 } // namespace Kesto

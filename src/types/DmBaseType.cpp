@@ -215,4 +215,8 @@ bool DmBaseType::lessThan(std::shared_ptr<DmBaseType const> const& a,
     return lessThan(*a, *b);
 }
 
+std::shared_ptr<DmBaseValue> DmBaseType::createDefaultValue() const {
+    return createValue();
+}
+
 } // namespace Kesto

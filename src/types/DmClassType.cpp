@@ -1,5 +1,7 @@
 #include <KestoDM/types/DmClassType.h>
 
+#include <KestoDM/types/DmClassValue.h>
+
 #include <KestoDM/platform/BaContext.h>
 #include <KestoDM/platform/BaSharedLibraryManager.h>
 #include <KestoDM/platform/RttiTable.h>
@@ -53,6 +55,21 @@ Internal::RuntimeTypeInfo const* DmClassType::getRuntimeTypeInfo() const {
     }
     Internal::RttiTable& table = Internal::GlobalRttiTable::get();
     return table.getOrInsertClass(table.getOrInsertMangle(mangled));
+}
+
+std::shared_ptr<DmBaseValue> DmClassType::createValue() const {
+    return std::make_shared<DmClassValue>(std::static_pointer_cast<DmClassType const>(shared_from_this()));
+}
+
+std::shared_ptr<DmBaseValue> DmClassType::createDefaultValue() const {
+    return std::make_shared<DmClassValue>(std::static_pointer_cast<DmClassType const>(shared_from_this()),
+                                          getDefaultObject());
+}
+
+std::shared_ptr<DmBaseValue>
+DmClassType::createMemberValue(std::shared_ptr<unsigned char const> const& buffer) const {
+    return std::make_shared<DmClassValue>(std::static_pointer_cast<DmClassType const>(shared_from_this()),
+                                          buffer);
 }
 
 } // namespace Kesto

@@ -1,5 +1,7 @@
 #include <KestoDM/types/DmEnumType.h>
 
+#include <KestoDM/types/DmEnumValue.h>
+
 #include <KestoDM/platform/RttiTable.h>
 
 #include <limits>
@@ -105,6 +107,16 @@ Internal::RuntimeTypeInfo const* DmEnumType::getRuntimeTypeInfo() const {
     }
     Internal::RttiTable& table = Internal::GlobalRttiTable::get();
     return table.getOrInsertEnum(table.getOrInsertMangle(mangled));
+}
+
+std::shared_ptr<DmBaseValue> DmEnumType::createValue() const {
+    return std::make_shared<DmEnumValue>(std::static_pointer_cast<DmEnumType const>(shared_from_this()));
+}
+
+std::shared_ptr<DmBaseValue>
+DmEnumType::createMemberValue(std::shared_ptr<unsigned char const> const& buffer) const {
+    return std::make_shared<DmEnumValue>(std::static_pointer_cast<DmEnumType const>(shared_from_this()),
+                                         buffer);
 }
 
 } // namespace Kesto

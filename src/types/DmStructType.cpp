@@ -1,5 +1,7 @@
 #include <KestoDM/types/DmStructType.h>
 
+#include <KestoDM/types/DmStructValue.h>
+
 #include <KestoDM/platform/RttiTable.h>
 #include <KestoDM/platform/RuntimeTypeInfo.h>
 
@@ -243,6 +245,28 @@ void DmStructType::Member::resolveFullName(std::string& out) const {
         out += "::";
     }
     out += getName();
+}
+
+std::shared_ptr<DmBaseValue> DmStructType::createValue() const {
+    return std::make_shared<DmStructValue>(std::static_pointer_cast<DmStructType const>(shared_from_this()));
+}
+
+std::shared_ptr<DmBaseValue> DmStructType::createDefaultValue() const {
+    std::shared_ptr<DmBaseValue> value = createValue();
+    auto& structValue = static_cast<DmStructValue&>(*value);
+    for (auto const& entry : *structValue.getMembers()) {
+        std::shared_ptr<DmBaseType const> const& memberType = entry.second->getType();
+        if (std::shared_ptr<DmBaseValue> const memberDefault = memberType->createDefaultValue()) {
+            entry.second->assign(memberDefault);
+        }
+    }
+    return value;
+}
+
+std::shared_ptr<DmBaseValue>
+DmStructType::createMemberValue(std::shared_ptr<unsigned char const> const& buffer) const {
+    return std::make_shared<DmStructValue>(std::static_pointer_cast<DmStructType const>(shared_from_this()),
+                                           buffer);
 }
 
 } // namespace Kesto

@@ -1,5 +1,7 @@
 #include <KestoDM/types/DmUninstantiableType.h>
 
+#include <KestoDM/types/DmUninstantiableValue.h>
+
 namespace Kesto {
 
 DmUninstantiableType::DmUninstantiableType(std::string name, DmTypeKind kind)
@@ -28,5 +30,23 @@ DmAutoType::~DmAutoType() = default;
 DmUndefinedType::DmUndefinedType(std::string name) : DmUninstantiableType(std::move(name), kTypeUndefined) {}
 
 DmUndefinedType::~DmUndefinedType() = default;
+
+std::shared_ptr<DmBaseValue> DmUninstantiableType::createValue() const {
+    return nullptr;
+}
+
+std::shared_ptr<DmBaseValue>
+DmUninstantiableType::createMemberValue(std::shared_ptr<unsigned char const> const&) const {
+    return nullptr;
+}
+
+std::shared_ptr<DmBaseValue> DmAutoType::createValue() const {
+    return std::make_shared<DmAutoValue>();
+}
+
+std::shared_ptr<DmBaseValue> DmUndefinedType::createValue() const {
+    return std::make_shared<DmUndefinedValue>(
+        std::static_pointer_cast<DmUndefinedType const>(shared_from_this()));
+}
 
 } // namespace Kesto

@@ -1,5 +1,7 @@
 #include <KestoDM/types/DmUnknownStructType.h>
 
+#include <KestoDM/types/DmUnknownStructValue.h>
+
 namespace Kesto {
 
 DmUnknownStructType::DmUnknownStructType(InternalConstructor, std::string const& name)
@@ -24,6 +26,17 @@ DmStatus DmUnknownStructType::setNamespace(DmNamespace* ns, DmNameResolutionType
         }
     }
     return status;
+}
+
+std::shared_ptr<DmBaseValue> DmUnknownStructType::createValue() const {
+    return std::make_shared<DmUnknownStructValue>(
+        std::static_pointer_cast<DmUnknownStructType const>(shared_from_this()));
+}
+
+std::shared_ptr<DmBaseValue>
+DmUnknownStructType::createMemberValue(std::shared_ptr<unsigned char const> const& buffer) const {
+    return std::make_shared<DmUnknownStructValue>(
+        std::static_pointer_cast<DmUnknownStructType const>(shared_from_this()), buffer);
 }
 
 } // namespace Kesto

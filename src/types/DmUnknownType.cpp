@@ -1,5 +1,7 @@
 #include <KestoDM/types/DmUnknownType.h>
 
+#include <KestoDM/types/DmUnknownValue.h>
+
 #include <KestoDM/platform/String.h>
 
 namespace Kesto {
@@ -20,6 +22,17 @@ Internal::UntypedTypeRep DmUnknownType::getUntypedTypeRep() const {
 
 Internal::RuntimeTypeInfo const* DmUnknownType::getRuntimeTypeInfo() const {
     return nullptr;
+}
+
+std::shared_ptr<DmBaseValue> DmUnknownType::createValue() const {
+    return std::make_shared<DmUnknownValue>(
+        std::static_pointer_cast<DmUnknownType const>(shared_from_this()));
+}
+
+std::shared_ptr<DmBaseValue>
+DmUnknownType::createMemberValue(std::shared_ptr<unsigned char const> const& buffer) const {
+    return std::make_shared<DmUnknownValue>(std::static_pointer_cast<DmUnknownType const>(shared_from_this()),
+                                            buffer);
 }
 
 } // namespace Kesto

@@ -36,6 +36,21 @@ public:
     Internal::UntypedTypeRep getUntypedTypeRep() const override;
     Internal::RuntimeTypeInfo const* getRuntimeTypeInfo() const override;
 
+    /// @name Values
+    /// @{
+    /// An empty array value with no storage.
+    std::shared_ptr<DmBaseValue> createValue() const override;
+    /// An array value of `size` default elements, or null when the element type has no default.
+    std::shared_ptr<DmBaseValue> createValue(unsigned long long size) const;
+    /// An array value holding (and set to) the given array.
+    std::shared_ptr<DmBaseValue> createValue(Ptr<void> const& array) const;
+    std::shared_ptr<DmBaseValue> createValue(Ptr<void>&& array) const;
+    /// An array value of no elements, with storage.
+    std::shared_ptr<DmBaseValue> createDefaultValue() const override;
+    std::shared_ptr<DmBaseValue>
+    createMemberValue(std::shared_ptr<unsigned char const> const& buffer) const override;
+    /// @}
+
     /// The name of an array of the element whose full name is given: "array<e>",
     /// or "array" for an element without name.
     static std::string makeArrayName(std::string const& elementFullName);

@@ -14,6 +14,7 @@
 
 namespace Kesto {
 
+class DmBaseValue;
 class DmNamespace;
 class DmURI;
 
@@ -65,6 +66,19 @@ public:
     virtual Internal::UntypedTypeRep getUntypedTypeRep() const = 0;
     /// The run-time record of the type's native form, or null when it has none.
     virtual Internal::RuntimeTypeInfo const* getRuntimeTypeInfo() const = 0;
+    /// @}
+
+    /// @name Values
+    /// @{
+    /// A new value holding the type's default; the same as createValue unless
+    /// the type says otherwise (arrays, structs, classes).
+    virtual std::shared_ptr<DmBaseValue> createDefaultValue() const;
+    /// A new value of the type, or null for a type of which no value exists.
+    virtual std::shared_ptr<DmBaseValue> createValue() const = 0;
+    /// A new value whose datum lives in `buffer`, storage owned by an enclosing
+    /// value (a struct member, an array slot); null where no value exists.
+    virtual std::shared_ptr<DmBaseValue>
+    createMemberValue(std::shared_ptr<unsigned char const> const& buffer) const = 0;
     /// @}
 
     /// @name Comparison

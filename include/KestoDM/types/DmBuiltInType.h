@@ -33,6 +33,9 @@ public:
     unsigned int getAlignmentOf() const override { return alignof(T); }
     Internal::UntypedTypeRep getUntypedTypeRep() const override;
     Internal::RuntimeTypeInfo const* getRuntimeTypeInfo() const override;
+    std::shared_ptr<DmBaseValue> createValue() const override;
+    std::shared_ptr<DmBaseValue>
+    createMemberValue(std::shared_ptr<unsigned char const> const& buffer) const override;
 
 protected:
     DmBuiltInTypeT(std::string const& name, DmTypeKind kind) : DmBaseType(name, kind) {}

@@ -57,6 +57,16 @@ public:
     /// Null without a mangled name or a default function.
     Internal::RuntimeTypeInfo const* getRuntimeTypeInfo() const override;
 
+    /// @name Values
+    /// @{
+    /// A class value with no object.
+    std::shared_ptr<DmBaseValue> createValue() const override;
+    /// A class value holding the default object, still implicit.
+    std::shared_ptr<DmBaseValue> createDefaultValue() const override;
+    std::shared_ptr<DmBaseValue>
+    createMemberValue(std::shared_ptr<unsigned char const> const& buffer) const override;
+    /// @}
+
 private:
     void initDefaultObject() const;
 

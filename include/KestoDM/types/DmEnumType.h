@@ -48,6 +48,9 @@ public:
     unsigned int getAlignmentOf() const override;
     Internal::UntypedTypeRep getUntypedTypeRep() const override;
     Internal::RuntimeTypeInfo const* getRuntimeTypeInfo() const override;
+    std::shared_ptr<DmBaseValue> createValue() const override;
+    std::shared_ptr<DmBaseValue>
+    createMemberValue(std::shared_ptr<unsigned char const> const& buffer) const override;
 
 private:
     EnumerationMap m_enumerations;

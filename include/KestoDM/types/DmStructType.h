@@ -60,6 +60,16 @@ public:
     void refreshInternals() const;
     /// @}
 
+    /// @name Values
+    /// @{
+    /// A struct value with a zeroed buffer.
+    std::shared_ptr<DmBaseValue> createValue() const override;
+    /// createValue, then each member given its type's default value.
+    std::shared_ptr<DmBaseValue> createDefaultValue() const override;
+    std::shared_ptr<DmBaseValue>
+    createMemberValue(std::shared_ptr<unsigned char const> const& buffer) const override;
+    /// @}
+
 protected:
     DmStructType(std::string const& name, DmTypeKind kind);
 

@@ -17,6 +17,11 @@ public:
     unsigned int getAlignmentOf() const override;
     Internal::UntypedTypeRep getUntypedTypeRep() const override;
     Internal::RuntimeTypeInfo const* getRuntimeTypeInfo() const override;
+    /// Null: no value exists but those of the subclasses.
+    std::shared_ptr<DmBaseValue> createValue() const override;
+    /// Always null.
+    std::shared_ptr<DmBaseValue>
+    createMemberValue(std::shared_ptr<unsigned char const> const& buffer) const override;
 
 protected:
     DmUninstantiableType(std::string name, DmTypeKind kind);
@@ -30,6 +35,7 @@ class KESTODM_API DmAutoType : public DmUninstantiableType,
 public:
     DmAutoType();
     ~DmAutoType() override;
+    std::shared_ptr<DmBaseValue> createValue() const override;
 };
 
 /// A type that was named but not defined. The library's own is "__undefined__"
@@ -38,6 +44,7 @@ class KESTODM_API DmUndefinedType : public DmUninstantiableType, public DmInstan
 public:
     explicit DmUndefinedType(std::string name);
     ~DmUndefinedType() override;
+    std::shared_ptr<DmBaseValue> createValue() const override;
 };
 
 } // namespace Kesto

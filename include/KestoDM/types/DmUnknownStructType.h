@@ -16,6 +16,9 @@ public:
     ~DmUnknownStructType() override;
 
     bool isFullyResolved() const override;
+    std::shared_ptr<DmBaseValue> createValue() const override;
+    std::shared_ptr<DmBaseValue>
+    createMemberValue(std::shared_ptr<unsigned char const> const& buffer) const override;
     /// Moves the struct and then each member's type into `ns`.
     DmStatus setNamespace(DmNamespace* ns, DmNameResolutionType resolution) override;
 };

@@ -19,6 +19,9 @@ public:
     bool isFullyResolved() const override;
     Internal::UntypedTypeRep getUntypedTypeRep() const override;
     Internal::RuntimeTypeInfo const* getRuntimeTypeInfo() const override;
+    std::shared_ptr<DmBaseValue> createValue() const override;
+    std::shared_ptr<DmBaseValue>
+    createMemberValue(std::shared_ptr<unsigned char const> const& buffer) const override;
 };
 
 } // namespace Kesto
