@@ -75,8 +75,11 @@ struct PtrOwnerBlock final : PtrControlBlock {
 /// `Ptr<void>` is the type-erased form that values of classes and arrays are
 /// held as: any Ptr<T> converts to it, the control block still destroys the
 /// object as its original type, and `staticPtrCast<T>` gives the typed Ptr back.
+///
+/// Marked for export although it is all inline: a library template made on
+/// Ptr<void> (the datum of class and array values) is only as visible as Ptr.
 template <class T>
-class Ptr {
+class KESTODM_API Ptr {
 public:
     using element_type = T;
 
