@@ -45,21 +45,31 @@
 #include <KestoDM/foundation/LinkedHashSet.h>
 
 #include <KestoDM/types/DmArrayType.h>
+#include <KestoDM/types/DmArrayValue.h>
 #include <KestoDM/types/DmBaseType.h>
+#include <KestoDM/types/DmBaseValue.h>
 #include <KestoDM/types/DmBuiltInType.h>
+#include <KestoDM/types/DmBuiltInValue.h>
 #include <KestoDM/types/DmClassSerialization.h>
 #include <KestoDM/types/DmClassType.h>
+#include <KestoDM/types/DmClassValue.h>
 #include <KestoDM/types/DmEnumType.h>
+#include <KestoDM/types/DmEnumValue.h>
 #include <KestoDM/types/DmExternBaseType.h>
+#include <KestoDM/types/DmExternBaseValue.h>
 #include <KestoDM/types/DmExternSymbol.h>
 #include <KestoDM/types/DmMangledName.h>
 #include <KestoDM/types/DmMetadata.h>
 #include <KestoDM/types/DmMetadataItem.h>
 #include <KestoDM/types/DmStructType.h>
+#include <KestoDM/types/DmStructValue.h>
 #include <KestoDM/types/DmTypeKind.h>
 #include <KestoDM/types/DmUninstantiableType.h>
+#include <KestoDM/types/DmUninstantiableValue.h>
 #include <KestoDM/types/DmUnknownStructType.h>
+#include <KestoDM/types/DmUnknownStructValue.h>
 #include <KestoDM/types/DmUnknownType.h>
+#include <KestoDM/types/DmUnknownValue.h>
 #include <KestoDM/types/ExternTargetSet.h>
 
 #include <KestoDM/graph/DmCollect.h>

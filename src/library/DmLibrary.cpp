@@ -43,6 +43,11 @@ DmNamespace const& reservedNamespace() {
     return *DmLibrary::getReservedNamespace();
 }
 
+void placeProcessTypes() {
+    DmLibrary::getBuiltInNamespace();
+    DmLibrary::getReservedNamespace();
+}
+
 } // namespace Internal
 
 // ---------------------------------------------------------------------------
@@ -437,93 +442,75 @@ void DmLibrary::setJsonFileAsLoaded(std::string const& name) {
 // place before any caller sees it.
 
 std::shared_ptr<DmAnyType> const& DmLibrary::getAnyType() {
-    getBuiltInNamespace();
-    return Internal::TypeSingletons::anyType();
+    return Internal::placed(Internal::TypeSingletons::anyType());
 }
 
 std::shared_ptr<DmArrayType> const& DmLibrary::getArrayOfAnyType() {
-    getBuiltInNamespace();
-    return Internal::TypeSingletons::arrayOfAnyType();
+    return Internal::placed(Internal::TypeSingletons::arrayOfAnyType());
 }
 
 std::shared_ptr<DmAutoType> const& DmLibrary::getAutoType() {
-    getBuiltInNamespace();
-    return Internal::TypeSingletons::autoType();
+    return Internal::placed(Internal::TypeSingletons::autoType());
 }
 
 std::shared_ptr<DmBoolType> const& DmLibrary::getBoolType() {
-    getBuiltInNamespace();
-    return Internal::TypeSingletons::boolType();
+    return Internal::placed(Internal::TypeSingletons::boolType());
 }
 
 std::shared_ptr<DmCharType> const& DmLibrary::getCharType() {
-    getBuiltInNamespace();
-    return Internal::TypeSingletons::charType();
+    return Internal::placed(Internal::TypeSingletons::charType());
 }
 
 std::shared_ptr<DmUCharType> const& DmLibrary::getUCharType() {
-    getBuiltInNamespace();
-    return Internal::TypeSingletons::ucharType();
+    return Internal::placed(Internal::TypeSingletons::ucharType());
 }
 
 std::shared_ptr<DmShortType> const& DmLibrary::getShortType() {
-    getBuiltInNamespace();
-    return Internal::TypeSingletons::shortType();
+    return Internal::placed(Internal::TypeSingletons::shortType());
 }
 
 std::shared_ptr<DmUShortType> const& DmLibrary::getUShortType() {
-    getBuiltInNamespace();
-    return Internal::TypeSingletons::ushortType();
+    return Internal::placed(Internal::TypeSingletons::ushortType());
 }
 
 std::shared_ptr<DmIntType> const& DmLibrary::getIntType() {
-    getBuiltInNamespace();
-    return Internal::TypeSingletons::intType();
+    return Internal::placed(Internal::TypeSingletons::intType());
 }
 
 std::shared_ptr<DmUIntType> const& DmLibrary::getUIntType() {
-    getBuiltInNamespace();
-    return Internal::TypeSingletons::uintType();
+    return Internal::placed(Internal::TypeSingletons::uintType());
 }
 
 std::shared_ptr<DmLongType> const& DmLibrary::getLongType() {
-    getBuiltInNamespace();
-    return Internal::TypeSingletons::longType();
+    return Internal::placed(Internal::TypeSingletons::longType());
 }
 
 std::shared_ptr<DmULongType> const& DmLibrary::getULongType() {
-    getBuiltInNamespace();
-    return Internal::TypeSingletons::ulongType();
+    return Internal::placed(Internal::TypeSingletons::ulongType());
 }
 
 std::shared_ptr<DmFloatType> const& DmLibrary::getFloatType() {
-    getBuiltInNamespace();
-    return Internal::TypeSingletons::floatType();
+    return Internal::placed(Internal::TypeSingletons::floatType());
 }
 
 std::shared_ptr<DmDoubleType> const& DmLibrary::getDoubleType() {
-    getBuiltInNamespace();
-    return Internal::TypeSingletons::doubleType();
+    return Internal::placed(Internal::TypeSingletons::doubleType());
 }
 
 std::shared_ptr<DmStringType> const& DmLibrary::getStringType() {
-    getBuiltInNamespace();
-    return Internal::TypeSingletons::stringType();
+    return Internal::placed(Internal::TypeSingletons::stringType());
 }
 
 std::shared_ptr<DmUndefinedType> const& DmLibrary::getUndefinedType() {
-    getReservedNamespace();
-    return Internal::TypeSingletons::undefinedType();
+    return Internal::placed(Internal::TypeSingletons::undefinedType());
 }
 
 std::shared_ptr<DmClassType> const& DmLibrary::getRuntimeServicesType() {
-    getReservedNamespace();
-    return Internal::TypeSingletons::runtimeServicesType();
+    return Internal::placed(Internal::TypeSingletons::runtimeServicesType());
 }
 
 std::shared_ptr<DmClassType> const& DmLibrary::getTypeRegistryType() {
-    getReservedNamespace();
-    return Internal::TypeSingletons::typeRegistryType();
+    return Internal::placed(Internal::TypeSingletons::typeRegistryType());
 }
 
 } // namespace Kesto

@@ -64,14 +64,16 @@ bool DmArrayValue::assignArray(unsigned long long size) {
         return false;
     }
     if (size != 0) {
-        // Every element starts as the element type's default: one default
-        // value, copied into each (already constructed) slot.
-        std::shared_ptr<DmBaseValue> const element = elementType->createDefaultValue();
-        if (!element) {
-            return false;
-        }
+        // Every element starts as the element type's default. One default value
+        // copied into each (already constructed) slot does, except for arrays
+        // of arrays, where each slot needs an inner array of its own.
+        bool const defaultPerSlot = elementType->getTypeKind() == kTypeArray;
+        std::shared_ptr<DmBaseValue> element;
         for (std::size_t i = 0; i < array->size(); ++i) {
-            if (!element->copyAssignIntoBuffer(array->get_element(i))) {
+            if (!element || defaultPerSlot) {
+                element = elementType->createDefaultValue();
+            }
+            if (!element || !element->copyAssignIntoBuffer(array->get_element(i))) {
                 return false;
             }
         }

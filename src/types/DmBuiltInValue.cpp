@@ -22,9 +22,11 @@ template class DmBuiltInValue<String>;
 template class DmBuiltInValue<Ptr<void>>;
 
 #define KESTODM_DEFINE_BUILT_IN_VALUE(Class, Native, Singleton)                                              \
-    Class::Class() : DmBuiltInValue<Native>(Internal::TypeSingletons::Singleton(), DataType()) {}            \
+    Class::Class()                                                                                           \
+        : DmBuiltInValue<Native>(Internal::placed(Internal::TypeSingletons::Singleton()), DataType()) {}     \
     Class::Class(std::shared_ptr<unsigned char const> buffer)                                                \
-        : DmBuiltInValue<Native>(Internal::TypeSingletons::Singleton(), std::move(buffer)) {}                \
+        : DmBuiltInValue<Native>(Internal::placed(Internal::TypeSingletons::Singleton()),                    \
+                                 std::move(buffer)) {}                                                       \
     Class::Class(Class const& other) : DmBuiltInValue<Native>(other), DmInstanceCounter<Class>(other) {}     \
     Class::~Class() = default;                                                                               \
     std::shared_ptr<DmBaseValue> Class::clone() const {                                                      \

@@ -107,6 +107,10 @@ void DmStructValue::initMembersMap() const {
         }
     }
     m_membersMap = std::move(map);
+    // Members made after the struct was set are set with it.
+    if (getValueWasSet()) {
+        const_cast<DmStructValue*>(this)->structValueWasSet();
+    }
 }
 
 std::shared_ptr<DmStructValue::MemberMap> const& DmStructValue::getMembers() const {

@@ -14,6 +14,18 @@ namespace Internal {
 /// The process-wide type singletons, shared by every library. Each is made on
 /// first call (thread-safe), const from birth, and lives until process exit.
 /// DmLibrary hands them out; the type and value layers reach them here.
+/// Puts the process-wide types into the built-in and reserved namespaces, once
+/// per process. Defined by the library, which owns those namespaces; code that
+/// takes a singleton here calls it first, so it never sees a type unplaced.
+KESTODM_API void placeProcessTypes();
+
+/// A process-wide type, placed in its namespace.
+template <class T>
+std::shared_ptr<T> const& placed(std::shared_ptr<T> const& type) {
+    placeProcessTypes();
+    return type;
+}
+
 struct KESTODM_API TypeSingletons {
     static std::shared_ptr<DmAutoType> const& autoType();
     static std::shared_ptr<DmBoolType> const& boolType();

@@ -43,13 +43,14 @@ bool DmUninstantiableValue::moveAssignFromBuffer(void*) {
     return false;
 }
 
-DmAutoValue::DmAutoValue() : DmUninstantiableValue(Internal::TypeSingletons::autoType()) {}
+DmAutoValue::DmAutoValue() : DmUninstantiableValue(Internal::placed(Internal::TypeSingletons::autoType())) {}
 DmAutoValue::~DmAutoValue() = default;
 std::shared_ptr<DmBaseValue> DmAutoValue::clone() const {
     return std::make_shared<DmAutoValue>(*this);
 }
 
-DmUndefinedValue::DmUndefinedValue() : DmUninstantiableValue(Internal::TypeSingletons::undefinedType()) {}
+DmUndefinedValue::DmUndefinedValue()
+    : DmUninstantiableValue(Internal::placed(Internal::TypeSingletons::undefinedType())) {}
 DmUndefinedValue::DmUndefinedValue(std::shared_ptr<DmUndefinedType const> const& type)
     : DmUninstantiableValue(type) {}
 DmUndefinedValue::~DmUndefinedValue() = default;

@@ -537,3 +537,16 @@ TEST_F(DmArrayValueTest, DroppingAnArrayOfClassesReleasesTheObjects) {
     }
     EXPECT_EQ(object.use_count(), 1);
 }
+
+TEST_F(DmArrayValueTest, EachSlotOfAnArrayOfArraysHoldsAnInnerArrayOfItsOwn) {
+    auto const innerType = makeArrayType(Singletons::intType());
+    auto const outerType = makeArrayType(innerType);
+    auto const outer = std::dynamic_pointer_cast<DmArrayValue>(outerType->createValue(3ull));
+    ASSERT_NE(outer, nullptr);
+    auto const first = std::dynamic_pointer_cast<DmArrayValue>(outer->at(0));
+    auto const second = std::dynamic_pointer_cast<DmArrayValue>(outer->at(1));
+    ASSERT_NE(first, nullptr);
+    ASSERT_NE(second, nullptr);
+    EXPECT_NE(first->getData().get(), nullptr);
+    EXPECT_NE(first->getData().get(), second->getData().get());
+}

@@ -744,3 +744,15 @@ TEST_F(DmStructValueTest, StructValuesAndTheirMembersAreAllReleased) {
     EXPECT_EQ(structValuesMadeSinceStart(), 0u);
     EXPECT_EQ(valuesMadeSinceStart(), 0u);
 }
+
+TEST_F(DmStructValueTest, NestedMembersMadeAfterTheStructWasSetAreSet) {
+    auto const inner = makeStructType("Inner", {{"x", Singletons::intType()}});
+    auto const outer = makeStructType("Outer", {{"inner", inner}});
+    auto const source = std::static_pointer_cast<DmStructValue>(outer->createValue());
+    auto const target = std::static_pointer_cast<DmStructValue>(outer->createValue());
+    ASSERT_TRUE(target->copyAssignFromBuffer(source->getData()));
+    auto const innerValue = std::dynamic_pointer_cast<DmStructValue>(target->findMember("inner"));
+    ASSERT_NE(innerValue, nullptr);
+    EXPECT_FALSE(innerValue->isImplicit());
+    EXPECT_FALSE(innerValue->findMember("x")->isImplicit());
+}
