@@ -4,6 +4,8 @@
 #include <KestoDM/platform/BaMessageCategory.h>
 #include <KestoDM/platform/BaMessageTypes.h>
 
+#include "support/ScopedEnvironment.h"
+
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -20,29 +22,6 @@ namespace {
 
 constexpr char const* kPrintSwitch = "KESTO_ALWAYS_PRINT_ERRORS";
 constexpr char const* kAbortSwitch = "KESTO_ABORT_ON_INTERNAL_ERRORS";
-
-/// Remembers an environment variable and puts it back when it goes.
-class EnvRestorer {
-public:
-    explicit EnvRestorer(char const* name) : m_name(name) {
-        if (char const* const value = std::getenv(name)) {
-            m_value = value;
-        }
-    }
-    EnvRestorer(EnvRestorer const&) = delete;
-    EnvRestorer& operator=(EnvRestorer const&) = delete;
-    ~EnvRestorer() {
-        if (m_value) {
-            ::setenv(m_name, m_value->c_str(), 1);
-        } else {
-            ::unsetenv(m_name);
-        }
-    }
-
-private:
-    char const* m_name;
-    std::optional<std::string> m_value;
-};
 
 /// A named entity the logger tests can make; DmNamedEntity's constructor is protected.
 class LoggerTestEntity : public DmNamedEntity {
@@ -81,8 +60,8 @@ protected:
                                                  std::move(description));
     }
 
-    EnvRestorer m_printSwitch{kPrintSwitch};
-    EnvRestorer m_abortSwitch{kAbortSwitch};
+    ScopedEnvironment m_printSwitch{kPrintSwitch, nullptr};
+    ScopedEnvironment m_abortSwitch{kAbortSwitch, nullptr};
 };
 
 /// Death tests run first; they share the fixture.

@@ -9,6 +9,8 @@
 
 #include "library/DmLibraryFaults.h"
 
+#include "support/ScopedEnvironment.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -24,29 +26,6 @@ namespace {
 constexpr char const* kPrintSwitch = "KESTO_ALWAYS_PRINT_ERRORS";
 constexpr char const* kAbortSwitch = "KESTO_ABORT_ON_INTERNAL_ERRORS";
 
-/// Remembers an environment variable and puts it back when it goes.
-class EnvRestorer {
-public:
-    explicit EnvRestorer(char const* name) : m_name(name) {
-        if (char const* const value = std::getenv(name)) {
-            m_value = value;
-        }
-    }
-    EnvRestorer(EnvRestorer const&) = delete;
-    EnvRestorer& operator=(EnvRestorer const&) = delete;
-    ~EnvRestorer() {
-        if (m_value) {
-            ::setenv(m_name, m_value->c_str(), 1);
-        } else {
-            ::unsetenv(m_name);
-        }
-    }
-
-private:
-    char const* m_name;
-    std::optional<std::string> m_value;
-};
-
 /// Every test starts with the message switches off and no injected fault, and
 /// leaves them as they were.
 class DmLibraryTest : public testing::Test {
@@ -59,8 +38,8 @@ protected:
 
     void TearDown() override { Internal::setFailLibraryInitialization(false); }
 
-    EnvRestorer m_printSwitch{kPrintSwitch};
-    EnvRestorer m_abortSwitch{kAbortSwitch};
+    ScopedEnvironment m_printSwitch{kPrintSwitch, nullptr};
+    ScopedEnvironment m_abortSwitch{kAbortSwitch, nullptr};
 };
 
 } // namespace

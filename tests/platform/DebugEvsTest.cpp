@@ -1,6 +1,6 @@
 #include <KestoDM/platform/BaDebugEvs.h>
 
-#include "ScopedEnvironment.h"
+#include "support/ScopedEnvironment.h"
 
 #include <gtest/gtest.h>
 
