@@ -79,3 +79,16 @@
 #include <KestoDM/graph/DmSelector.h>
 
 #include <KestoDM/library/DmLibrary.h>
+
+#include <KestoDM/assets/DmAssetReference.h>
+#include <KestoDM/assets/DmAssetResolver.h>
+#include <KestoDM/assets/DmAssetResolverContext.h>
+#include <KestoDM/assets/DmAssetResolverFile.h>
+#include <KestoDM/assets/DmAssetResolverFilePaths.h>
+#include <KestoDM/assets/DmAssetResolverRegistry.h>
+#include <KestoDM/assets/DmAssetResolverStream.h>
+#include <KestoDM/assets/DmAssetUtils.h>
+#include <KestoDM/assets/DmFileURI.h>
+#include <KestoDM/assets/DmStreamURI.h>
+#include <KestoDM/assets/DmURI.h>
+#include <KestoDM/assets/DmURIParser.h>

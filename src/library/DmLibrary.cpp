@@ -1,5 +1,16 @@
 #include <KestoDM/library/DmLibrary.h>
 
+#include <KestoDM/assets/DmAssetReference.h>
+#include <KestoDM/assets/DmAssetResolver.h>
+#include <KestoDM/assets/DmAssetResolverContext.h>
+#include <KestoDM/assets/DmAssetResolverFile.h>
+#include <KestoDM/assets/DmAssetResolverFilePaths.h>
+#include <KestoDM/assets/DmAssetResolverRegistry.h>
+#include <KestoDM/assets/DmAssetResolverStream.h>
+#include <KestoDM/assets/DmFileURI.h>
+#include <KestoDM/assets/DmStreamURI.h>
+#include <KestoDM/assets/DmURI.h>
+#include <KestoDM/assets/DmURIParser.h>
 #include <KestoDM/foundation/DmMessageLogger.h>
 #include <KestoDM/foundation/DmMessageReport.h>
 #include <KestoDM/foundation/DmNameUtils.h>
@@ -214,7 +225,16 @@ std::shared_ptr<DmLibrary> DmLibrary::newLibrary(std::shared_ptr<BaContext> cont
 
 DmLibrary::DmLibrary(InternalConstructor, std::shared_ptr<BaContext> context,
                      DmExternOperator::CancellationPolicy policy)
-    : m_context(std::move(context)), m_defaultCancellationPolicy(policy) {}
+    : m_context(std::move(context)), m_uris(std::make_shared<URIMap>()),
+      m_assetResolverRegistry(std::make_shared<DmAssetResolverRegistry>()),
+      m_defaultCancellationPolicy(policy) {
+    m_uris->max_load_factor(1.0f);
+    m_jsonFiles.max_load_factor(1.0f);
+    // The order of registration is the order of search.
+    m_assetResolverRegistry->add(std::make_shared<DmAssetResolverFilePaths>());
+    m_assetResolverRegistry->add(std::make_shared<DmAssetResolverFile>());
+    m_assetResolverRegistry->add(std::make_shared<DmAssetResolverStream>());
+}
 
 DmLibrary::~DmLibrary() {
     if (m_errorLogger) {
@@ -239,7 +259,10 @@ void DmLibrary::reportInitializationFailure() {
 }
 
 bool DmLibrary::reset() {
+    // The resolvers and their search paths stay: they are the host's setup,
+    // not content.
     m_resourceFilePaths.clear();
+    m_uris->clear();
     m_jsonFiles.clear();
     m_globalNamespace.reset();
     // Messages not yet printed are lost with the old log.
@@ -383,6 +406,136 @@ DmStatus DmLibrary::addResourceFilePath(std::string const& path) {
 DmStatus DmLibrary::clearResourceFilePaths() {
     m_resourceFilePaths.clear();
     return DmStatus::kSuccess;
+}
+
+// ---------------------------------------------------------------------------
+// The register of URIs
+
+void DmLibrary::registerURI(std::shared_ptr<DmURI> const& uri) {
+    if (uri) {
+        m_uris->insert(uri->getMapEntryKey(), uri);
+    }
+}
+
+std::shared_ptr<DmURI> DmLibrary::findURI(std::string_view key) const {
+    static constexpr std::string_view kLongForm = DmURIParser::kFileSchemeLongForm;
+    std::string fullKey;
+    if (key.substr(0, kLongForm.size()) != kLongForm) {
+        fullKey = kLongForm;
+    }
+    fullKey += key;
+    auto const found = m_uris->find(fullKey);
+    return found != m_uris->end() ? found->second : nullptr;
+}
+
+void DmLibrary::unregisterURI(std::shared_ptr<DmURI> const& uri) {
+    if (uri) {
+        m_uris->erase(uri->getMapEntryKey());
+    }
+}
+
+// ---------------------------------------------------------------------------
+// Assets
+
+bool DmLibrary::registerAssetResolver(std::shared_ptr<DmAssetResolver> const& resolver) {
+    return m_assetResolverRegistry->add(resolver);
+}
+
+bool DmLibrary::addURISearchPath(String const& path) {
+    std::string canonical;
+    if (!DmOSUtils::getExistingStrictCanonicalPath(path.view(), std::string_view(), canonical)) {
+        return false;
+    }
+    auto const resolver = std::dynamic_pointer_cast<DmAssetResolverFilePaths>(
+        m_assetResolverRegistry->find(DmURIParser::kFilePathsSchemeKey));
+    if (resolver) {
+        resolver->addSearchPath(String(canonical));
+    }
+    return true;
+}
+
+std::shared_ptr<DmLibrary::SearchPaths const> DmLibrary::getURISearchPaths() const {
+    auto const resolver = std::dynamic_pointer_cast<DmAssetResolverFilePaths>(
+        m_assetResolverRegistry->find(DmURIParser::kFilePathsSchemeKey));
+    if (!resolver) {
+        return nullptr;
+    }
+    return resolver->getSearchPaths();
+}
+
+bool DmLibrary::resolveAssetReference(std::shared_ptr<DmAssetReference> const& reference,
+                                      std::shared_ptr<DmAssetResolverContext> const& context) const {
+    return m_assetResolverRegistry->resolve(reference, context, m_errorLogger);
+}
+
+std::shared_ptr<DmAssetReference>
+DmLibrary::createAssetReferenceFromURI(std::shared_ptr<DmURI> const& uri) const {
+    if (!uri || !uri->isValid()) {
+        return nullptr;
+    }
+    std::shared_ptr<DmAssetReference> reference;
+    if (auto const fileURI = std::dynamic_pointer_cast<DmFileURI>(uri)) {
+        std::string canonical;
+        if (!DmOSUtils::getExistingStrictCanonicalPath(fileURI->getFilePath(), std::string_view(),
+                                                       canonical)) {
+            return nullptr;
+        }
+        reference = std::make_shared<DmAssetReference>(DmURIParser::buildFileSpec(canonical));
+        reference->setFilePath(canonical);
+    } else if (auto const streamURI = std::dynamic_pointer_cast<DmStreamURI>(uri)) {
+        if (streamURI->getInputStream() != nullptr) {
+            reference = std::make_shared<DmAssetReference>(streamURI->getName(), streamURI->getInputStream());
+        } else {
+            reference =
+                std::make_shared<DmAssetReference>(streamURI->getName(), streamURI->getOutputStream());
+        }
+    } else {
+        return nullptr;
+    }
+    reference->setAssetIdentity(reference->getAssetSpec());
+    reference->setResolver(m_assetResolverRegistry->findForReference(reference).get());
+    reference->setResolveStatus(DmAssetReference::kResolved);
+    return reference;
+}
+
+std::shared_ptr<DmURI>
+DmLibrary::createURIFromAssetReference(std::shared_ptr<DmAssetReference> const& reference) {
+    if (!reference || !reference->isResolved() || reference->getResolver() == nullptr) {
+        return nullptr;
+    }
+    std::string name;
+    std::shared_ptr<DmURI> uri;
+    switch (reference->getResolver()->getAccessMode()) {
+    case DmAssetResolver::kAccessFile:
+        // Named by the file name alone: the first file of a name gives the URI
+        // that every later file of that name shares.
+        name = reference->getFilename();
+        uri = findURI(name);
+        if (!uri) {
+            uri = std::make_shared<DmFileURI>(name, reference->getBasePath());
+        }
+        break;
+    case DmAssetResolver::kAccessInputStream:
+        name = reference->getAssetIdentity();
+        uri = findURI(name);
+        if (!uri) {
+            uri = std::make_shared<DmStreamURI>(name, reference->getExternalInputStream());
+        }
+        break;
+    case DmAssetResolver::kAccessOutputStream:
+        name = reference->getAssetIdentity();
+        uri = findURI(name);
+        if (!uri) {
+            uri = std::make_shared<DmStreamURI>(name, reference->getExternalOutputStream());
+        }
+        break;
+    default:
+        return nullptr;
+    }
+    if (uri->isValid()) {
+        registerURI(uri);
+    }
+    return uri;
 }
 
 // ---------------------------------------------------------------------------

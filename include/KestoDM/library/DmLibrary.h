@@ -6,11 +6,14 @@
 #include <KestoDM/graph/DmCollect.h>
 #include <KestoDM/graph/DmExternOperator.h>
 #include <KestoDM/graph/DmNamespace.h>
+#include <KestoDM/platform/BaIndexedVector.h>
 #include <KestoDM/platform/DmExport.h>
+#include <KestoDM/platform/String.h>
 
 #include <iosfwd>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -19,6 +22,10 @@ namespace Kesto {
 class BaContext;
 class DmAnyType;
 class DmArrayType;
+class DmAssetReference;
+class DmAssetResolver;
+class DmAssetResolverContext;
+class DmAssetResolverRegistry;
 class DmAutoType;
 class DmBaseType;
 class DmBoolType;
@@ -40,16 +47,20 @@ class DmUIntType;
 class DmULongType;
 class DmUShortType;
 class DmUndefinedType;
+class DmURI;
 
 /// The object through which a host enters the system. A library owns the
 /// message log, the global namespace "_KestoGlobalNamespace" under which all
-/// user content hangs, the list of resource directories and the table of JSON
-/// files met while loading. The built-in namespace, the reserved namespace and
-/// the type singletons are the process's, shared by every library.
+/// user content hangs, the list of resource directories, the register of URIs,
+/// the table of JSON files met while loading and the asset resolvers. The
+/// built-in namespace, the reserved namespace and the type singletons are the
+/// process's, shared by every library.
 ///
-/// Made only by newLibrary; reset drops the user content and starts afresh;
-/// dropping the last reference prints the messages still in the log, then
-/// releases the members in reverse order.
+/// Made only by newLibrary, whose constructor registers the resolvers
+/// "halvern", "file" and "stream" in that order; reset drops the user content
+/// and starts afresh, keeping the resolvers and their search paths; dropping
+/// the last reference prints the messages still in the log, then releases the
+/// members in reverse order.
 ///
 /// One library belongs to one thread at a time: it has no lock. What it shares
 /// with other libraries (the process-wide namespaces and type singletons) is
@@ -78,6 +89,10 @@ public:
         LinkedHashMap<std::string, std::shared_ptr<DmGlobalVariable const>, StringHasher, StringCompare>;
     /// JSON files and listed directories by path; see cacheJsonFilenamesForLoad.
     using JsonFileMap = LinkedHashMap<std::string, bool, StringHasher, StringCompare>;
+    /// URIs by name, in order of first registration.
+    using URIMap = LinkedHashMap<std::string, std::shared_ptr<DmURI>, StringHasher, StringCompare>;
+    /// The search paths of the "halvern" resolver, in order of addition.
+    using SearchPaths = BaIndexedVector<String>;
 
     /// @name Construction
     /// @{
@@ -96,11 +111,12 @@ public:
     ~DmLibrary();
 
     /// Returns the library to its state after newLibrary: the resource
-    /// directories, the table of JSON files, the global namespace with all
-    /// definitions under it and the log (unprinted messages are lost) go, and
-    /// initialization runs again on the same error stream. The context, the
-    /// cancellation policy and the process-wide namespaces stay. False, with
-    /// an error in the new log, when initialization fails.
+    /// directories, the register of URIs, the table of JSON files, the global
+    /// namespace with all definitions under it and the log (unprinted messages
+    /// are lost) go, and initialization runs again on the same error stream.
+    /// The context, the cancellation policy, the asset resolvers with their
+    /// search paths and the process-wide namespaces stay. False, with an error
+    /// in the new log, when initialization fails.
     bool reset();
     /// @}
 
@@ -177,6 +193,57 @@ public:
     DmStatus clearResourceFilePaths();
     /// @}
 
+    /// @name The register of URIs
+    /// Every URI that loading met, unique by name (DmURI::getMapEntryKey).
+    /// @{
+    /// The URI filed under `key` when it begins with "file:///", else under
+    /// "file:///" + `key`, so that a bare path finds its file URI. A URI filed
+    /// under a name without that prefix, such as a stream URI, is never found.
+    std::shared_ptr<DmURI> findURI(std::string_view key) const;
+    /// Takes `uri` out of the register; null does nothing.
+    void unregisterURI(std::shared_ptr<DmURI> const& uri);
+    URIMap const& getURIs() const noexcept { return *m_uris; }
+    /// @}
+
+    /// @name Assets
+    /// How a spec becomes a file or a stream: see DmAssetResolverRegistry.
+    /// @{
+    std::shared_ptr<DmAssetResolverRegistry> const& getAssetResolverRegistry() noexcept {
+        return m_assetResolverRegistry;
+    }
+    std::shared_ptr<DmAssetResolverRegistry const> getAssetResolverRegistry() const noexcept {
+        return m_assetResolverRegistry;
+    }
+    /// Adds a resolver of the host. A scheme key that a resolver has already
+    /// keeps that resolver: false, and nothing changes.
+    bool registerAssetResolver(std::shared_ptr<DmAssetResolver> const& resolver);
+    /// Adds the existing directory `path`, made canonical (symbolic links
+    /// resolved), to the search paths of the "halvern" resolver. False, adding
+    /// nothing, when the directory does not exist; true also when that
+    /// resolver is not a DmAssetResolverFilePaths. Searching goes in order of addition.
+    bool addURISearchPath(String const& path);
+    /// The search paths of the "halvern" resolver; null when it has none.
+    std::shared_ptr<SearchPaths const> getURISearchPaths() const;
+    /// Resolves `reference` through the registry, with this library's log.
+    /// True when resolved; the reference's ResolveStatus tells why not.
+    bool resolveAssetReference(std::shared_ptr<DmAssetReference> const& reference,
+                               std::shared_ptr<DmAssetResolverContext> const& context) const;
+    /// A resolved reference to what `uri` names: for a file URI the existing
+    /// file, canonical, as "file:" spec and identity; for a stream URI its
+    /// name and stream. Null for a null or invalid URI, a file that does not
+    /// exist, or another kind of URI.
+    std::shared_ptr<DmAssetReference> createAssetReferenceFromURI(std::shared_ptr<DmURI> const& uri) const;
+    /// The URI of a resolved reference, found in the register or made and
+    /// registered (when valid). A file's URI is named after the file name
+    /// only ("file:///a.json"), so two files of one name in different
+    /// directories share the URI made for the first. A stream's URI is named
+    /// after the identity; being no file URI, it is never found again, so each
+    /// call makes a new one and the register keeps the first. Null for a null
+    /// or unresolved reference, one without a resolver, or a resolver of
+    /// another access mode.
+    std::shared_ptr<DmURI> createURIFromAssetReference(std::shared_ptr<DmAssetReference> const& reference);
+    /// @}
+
     /// @name The table of JSON files
     /// The load pipeline remembers which directories it has listed and which
     /// JSON files they hold, so that most existence tests of a load are one
@@ -232,13 +299,18 @@ private:
     bool initialize(std::ostream* errorStream);
     void reportInitializationFailure();
     DmGlobalNamespace& globalNamespace() const;
+    /// Files `uri` under its name at the end of the register; a name filed
+    /// already keeps its URI.
+    void registerURI(std::shared_ptr<DmURI> const& uri);
 
     // Members are released in reverse order of declaration.
     std::shared_ptr<BaContext> m_context;
     std::shared_ptr<DmMessageLogger> m_errorLogger;
     std::shared_ptr<DmNamespace> m_globalNamespace;
     std::vector<std::string> m_resourceFilePaths;
+    std::shared_ptr<URIMap> m_uris;
     JsonFileMap m_jsonFiles;
+    std::shared_ptr<DmAssetResolverRegistry> m_assetResolverRegistry;
     DmExternOperator::CancellationPolicy m_defaultCancellationPolicy;
 };
 
