@@ -19,14 +19,7 @@ bool DmAssetResolverFile::resolve(std::shared_ptr<DmAssetReference> const& refer
     // A "file:" spec names one file: without search paths, a spec that no try
     // could use is simply not found.
     reference->setResolveStatus(DmAssetReference::kFileNotFound);
-    DmURIParser const parser(reference->getAssetSpec());
-    std::string path = parser.getPath();
-    if (path.empty()) {
-        return false;
-    }
-    DmAssetUtils::adjustURIPath(path);
-    return DmAssetUtils::updateAssetFromAbsolutePath(reference, context, path) ||
-           DmAssetUtils::updateAssetFromRelativePath(reference, context, path);
+    return DmAssetUtils::resolveFileSpec(reference, context, nullptr);
 }
 
 std::string const& DmAssetResolverFile::schemeKey() const {

@@ -17,15 +17,7 @@ bool DmAssetResolverFilePaths::resolve(std::shared_ptr<DmAssetReference> const& 
         return false;
     }
     reference->setResolveStatus(DmAssetReference::kResolvingFilePaths);
-    DmURIParser const parser(reference->getAssetSpec());
-    std::string path = parser.getPath();
-    if (path.empty()) {
-        return false;
-    }
-    DmAssetUtils::adjustURIPath(path);
-    return DmAssetUtils::updateAssetFromAbsolutePath(reference, context, path) ||
-           DmAssetUtils::updateAssetFromRelativePath(reference, context, path) ||
-           DmAssetUtils::updateAssetFromSearchPaths(reference, context, *m_searchPaths, path);
+    return DmAssetUtils::resolveFileSpec(reference, context, m_searchPaths.get());
 }
 
 std::string const& DmAssetResolverFilePaths::schemeKey() const {

@@ -129,4 +129,17 @@ bool DmAssetUtils::updateAssetFromSearchPaths(std::shared_ptr<DmAssetReference> 
     return false;
 }
 
+bool DmAssetUtils::resolveFileSpec(std::shared_ptr<DmAssetReference> const& reference,
+                                   std::shared_ptr<DmAssetResolverContext> const& context,
+                                   BaIndexedVector<String> const* searchPaths) {
+    std::string path = DmURIParser(reference->getAssetSpec()).getPath();
+    if (path.empty()) {
+        return false;
+    }
+    adjustURIPath(path);
+    return updateAssetFromAbsolutePath(reference, context, path) ||
+           updateAssetFromRelativePath(reference, context, path) ||
+           (searchPaths != nullptr && updateAssetFromSearchPaths(reference, context, *searchPaths, path));
+}
+
 } // namespace Kesto

@@ -57,6 +57,12 @@ public:
                                            std::shared_ptr<DmAssetResolverContext> const& context,
                                            BaIndexedVector<String> const& searchPaths,
                                            std::string const& path);
+    /// The tries of a file spec in their order: the spec's path (adjusted) as
+    /// an absolute path, next to the referring file, then in each search path
+    /// when `searchPaths` is given. False for a spec without a path.
+    static bool resolveFileSpec(std::shared_ptr<DmAssetReference> const& reference,
+                                std::shared_ptr<DmAssetResolverContext> const& context,
+                                BaIndexedVector<String> const* searchPaths);
     /// @}
 };
 
