@@ -4,6 +4,7 @@
 #include <KestoDM/platform/BaMessageCategory.h>
 #include <KestoDM/platform/BaMessageTypes.h>
 
+#include "TestEntities.h"
 #include "support/ScopedEnvironment.h"
 
 #include <gtest/gtest.h>
@@ -22,12 +23,6 @@ namespace {
 
 constexpr char const* kPrintSwitch = "KESTO_ALWAYS_PRINT_ERRORS";
 constexpr char const* kAbortSwitch = "KESTO_ABORT_ON_INTERNAL_ERRORS";
-
-/// A named entity the logger tests can make; DmNamedEntity's constructor is protected.
-class LoggerTestEntity : public DmNamedEntity {
-public:
-    explicit LoggerTestEntity(std::string name) : DmNamedEntity(std::move(name), true) {}
-};
 
 /// A string buffer that counts how often it is flushed.
 class SyncCountingBuffer : public std::stringbuf {
@@ -175,7 +170,7 @@ TEST_F(DmMessageLoggerTest, MessageCountCountsEveryCategory) {
 TEST_F(DmMessageLoggerTest, PrintMessagesWritesEachRecordFollowedByABlankLine) {
     std::ostringstream stream;
     DmMessageLogger logger(&stream);
-    auto const entity = std::make_shared<LoggerTestEntity>("node");
+    auto const entity = std::make_shared<KestoTest::TestEntity>("node");
     logger.reportMessage(std::make_shared<DmMessageReport>(entity, BaMessageTypes::kMessageError, "bad input",
                                                            "the value is out of range", "expected 0..9",
                                                            "graph.kdm", 3, 14));
@@ -348,7 +343,7 @@ TEST_F(DmMessageLoggerTest, WithThePrintSwitchOnThePrintedMessagesAreStillKept) 
 TEST_F(DmMessageLoggerTest, WithThePrintSwitchOnAnEntityReportNamesTheEntity) {
     ASSERT_EQ(::setenv(kPrintSwitch, "1", 1), 0);
     DmMessageLogger logger(nullptr);
-    auto const entity = std::make_shared<LoggerTestEntity>("node");
+    auto const entity = std::make_shared<KestoTest::TestEntity>("node");
     auto const report =
         std::make_shared<DmMessageReport>(entity, BaMessageTypes::kMessageError, "bad input", "out of range",
                                           "expected 0..9", "graph.kdm", 3, 14);

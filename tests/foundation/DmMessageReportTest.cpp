@@ -3,6 +3,8 @@
 #include <KestoDM/platform/BaMessageCategory.h>
 #include <KestoDM/platform/BaMessageTypes.h>
 
+#include "TestEntities.h"
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -13,30 +15,8 @@ using namespace Kesto;
 
 namespace {
 
-/// A named entity the report tests can make; DmNamedEntity's constructor is protected.
-class ReportTestEntity : public DmNamedEntity {
-public:
-    explicit ReportTestEntity(std::string name) : DmNamedEntity(std::move(name), true) {}
-};
-
-/// An entity whose full name differs from its name, as scoped entities do.
-class ScopedReportTestEntity : public DmNamedEntity {
-public:
-    ScopedReportTestEntity(std::string scope, std::string name)
-        : DmNamedEntity(std::move(name), true), m_scope(std::move(scope)) {}
-
-    void resolveFullName(std::string& out) const override {
-        out += m_scope;
-        out += "::";
-        DmNamedEntity::resolveFullName(out);
-    }
-
-private:
-    std::string m_scope;
-};
-
 std::shared_ptr<DmNamedEntity const> makeEntity(std::string name) {
-    return std::make_shared<ReportTestEntity>(std::move(name));
+    return std::make_shared<KestoTest::TestEntity>(std::move(name));
 }
 
 } // namespace
@@ -194,7 +174,7 @@ TEST(DmMessageReport, EntityNameIsTheEntitysName) {
 
 TEST(DmMessageReport, EntityNameIsTheEntitysFullName) {
     std::shared_ptr<DmNamedEntity const> const entity =
-        std::make_shared<ScopedReportTestEntity>("scope", "node");
+        std::make_shared<KestoTest::ScopedTestEntity>("scope", "node");
     DmMessageReport const report(entity, BaMessageTypes::kMessageError, "t", "d");
     EXPECT_EQ(report.getEntityName(), "scope::node");
 }
@@ -217,7 +197,7 @@ TEST(DmMessageReport, EntityNameIsUnknownForANullEntity) {
 }
 
 TEST(DmMessageReport, EntityNameOnceReadStaysAfterTheEntityIsRenamed) {
-    auto const entity = std::make_shared<ReportTestEntity>("before");
+    auto const entity = std::make_shared<KestoTest::TestEntity>("before");
     DmMessageReport const report(entity, BaMessageTypes::kMessageError, "t", "d");
     EXPECT_EQ(report.getEntityName(), "before");
     ASSERT_TRUE(entity->setName("after", kFailOnClash, kNameVerbatim));
@@ -226,7 +206,7 @@ TEST(DmMessageReport, EntityNameOnceReadStaysAfterTheEntityIsRenamed) {
 }
 
 TEST(DmMessageReport, EntityNameReadFirstAfterARenameIsTheNewName) {
-    auto const entity = std::make_shared<ReportTestEntity>("before");
+    auto const entity = std::make_shared<KestoTest::TestEntity>("before");
     DmMessageReport const report(entity, BaMessageTypes::kMessageError, "t", "d");
     ASSERT_TRUE(entity->setName("after", kFailOnClash, kNameVerbatim));
     EXPECT_EQ(report.getEntityName(), "after");
@@ -274,7 +254,7 @@ TEST(DmMessageReport, ReadingTheEntityNameDoesNotKeepTheEntityAlive) {
 
 TEST(DmMessageReport, SubjectIsTheEntityNameWhenTheReportHasAnEntity) {
     std::shared_ptr<DmNamedEntity const> const entity =
-        std::make_shared<ScopedReportTestEntity>("scope", "node");
+        std::make_shared<KestoTest::ScopedTestEntity>("scope", "node");
     DmMessageReport const report(entity, BaMessageTypes::kMessageError, "t", "d");
     EXPECT_EQ(report.getSubject(), "scope::node");
 }
