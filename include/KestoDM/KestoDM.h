@@ -75,8 +75,22 @@
 #include <KestoDM/graph/DmCollect.h>
 #include <KestoDM/graph/DmExternOperator.h>
 #include <KestoDM/graph/DmNamespace.h>
+#include <KestoDM/graph/DmNativeNodeDef.h>
+#include <KestoDM/graph/DmNode.h>
+#include <KestoDM/graph/DmNodeDef.h>
+#include <KestoDM/graph/DmOverload.h>
+#include <KestoDM/graph/DmOverloadSet.h>
+#include <KestoDM/graph/DmPort.h>
+#include <KestoDM/graph/DmPortDescription.h>
+#include <KestoDM/graph/DmPortsInterface.h>
 #include <KestoDM/graph/DmScope.h>
 #include <KestoDM/graph/DmSelector.h>
+#include <KestoDM/graph/DmTerminalNodeDef.h>
+#include <KestoDM/graph/DmTerminalStates.h>
+#include <KestoDM/graph/DmUnknownNodeDef.h>
+#include <KestoDM/graph/DmUnknownPortDescription.h>
+#include <KestoDM/graph/DmValueNodeDef.h>
+#include <KestoDM/graph/DmWatchPoint.h>
 
 #include <KestoDM/library/DmLibrary.h>
 

@@ -1,6 +1,8 @@
 #include <KestoDM/graph/DmNamespace.h>
 
 #include <KestoDM/foundation/DmMessageLogger.h>
+#include <KestoDM/graph/DmNodeDef.h>
+#include <KestoDM/graph/DmOverloadSet.h>
 #include <KestoDM/graph/DmSelector.h>
 #include <KestoDM/types/DmBaseType.h>
 
@@ -190,24 +192,38 @@ std::shared_ptr<DmNamespace> DmNamespace::fetchNamespace(std::string const& name
 // ---------------------------------------------------------------------------
 // Types
 
-bool DmNamespace::findType(std::string const& name, std::shared_ptr<DmBaseType const>& out) const {
+template <class Out, class FindHere, class FindInChild>
+bool DmNamespace::walkPath(std::string const& name, Out& out, FindHere const& findHere,
+                           FindInChild const& findInChild) const {
     auto const separator = findSeparator(name);
     if (separator == 0) {
-        return findType(restAfter(name, separator), out);
+        // A leading "::" names this namespace again.
+        return findInChild(*this, restAfter(name, separator), out);
     }
     if (separator == std::string_view::npos) {
-        auto const found = m_types->find(name);
-        if (found == m_types->end()) {
-            return false;
-        }
-        out = found->second;
-        return true;
+        return findHere(name, out);
     }
     auto const child = m_nestedNamespaces->find(std::string_view(name).substr(0, separator));
     if (child == m_nestedNamespaces->end()) {
         return false;
     }
-    return child->second->findType(restAfter(name, separator), out);
+    return findInChild(*child->second, restAfter(name, separator), out);
+}
+
+bool DmNamespace::findType(std::string const& name, std::shared_ptr<DmBaseType const>& out) const {
+    return walkPath(
+        name, out,
+        [this](std::string const& local, std::shared_ptr<DmBaseType const>& found) {
+            auto const entry = m_types->find(local);
+            if (entry == m_types->end()) {
+                return false;
+            }
+            found = entry->second;
+            return true;
+        },
+        [](DmNamespace const& ns, std::string const& rest, std::shared_ptr<DmBaseType const>& found) {
+            return ns.findType(rest, found);
+        });
 }
 
 bool DmNamespace::findType(std::string const& name, std::shared_ptr<DmBaseType>& out) const {
@@ -224,6 +240,29 @@ bool DmNamespace::getType(std::string const& name, std::shared_ptr<DmBaseType co
         return true;
     }
     return findType(name, out);
+}
+
+// ---------------------------------------------------------------------------
+// Node definitions
+
+bool DmNamespace::findNodeDef(std::string const& name, std::shared_ptr<DmNodeDef>& out) const {
+    return walkPath(
+        name, out,
+        [this](std::string const& local, std::shared_ptr<DmNodeDef>& found) {
+            return DmScope::findNodeDef(local, found);
+        },
+        [](DmNamespace const& ns, std::string const& rest, std::shared_ptr<DmNodeDef>& found) {
+            return ns.findNodeDef(rest, found);
+        });
+}
+
+bool DmNamespace::findNodeDef(std::string const& name, std::shared_ptr<DmOverloadSet>& out) const {
+    std::shared_ptr<DmNodeDef> found;
+    if (!findNodeDef(name, found)) {
+        return false;
+    }
+    out = std::dynamic_pointer_cast<DmOverloadSet>(found);
+    return true;
 }
 
 DmStatus DmNamespace::registerType(std::shared_ptr<DmBaseType> const& type) {

@@ -4,6 +4,8 @@
 #include <KestoDM/foundation/DmMessageReport.h>
 #include <KestoDM/foundation/DmNameUtils.h>
 #include <KestoDM/foundation/DmNamedEntity.h>
+#include <KestoDM/graph/DmOverload.h>
+#include <KestoDM/graph/DmOverloadSet.h>
 #include <KestoDM/platform/BaMessageTypes.h>
 
 namespace Kesto {
@@ -45,6 +47,110 @@ DmStatus DmScope::addNestedScope(std::shared_ptr<DmScope> const& scope) {
 DmStatus DmScope::removeNestedScope(std::shared_ptr<DmScope> const& scope) {
     return m_nestedScopes->erase(scope) != 0 ? DmStatus::kSuccess : DmStatus::kFailure;
 }
+
+// ---------------------------------------------------------------------------
+// Node definitions
+
+DmStatus DmScope::registerNodeDef(std::shared_ptr<DmNodeDef> const& def) {
+    if (!def) {
+        return DmStatus::kInvalidArgument;
+    }
+    def->m_scope = this;
+    // A definition that is a scope itself (a compound) nests here as a scope too.
+    if (auto const scope = std::dynamic_pointer_cast<DmScope>(def)) {
+        scope->setParent(this);
+        addNestedScope(scope);
+    }
+    if (auto const set = std::dynamic_pointer_cast<DmOverloadSet>(def)) {
+        return registerOverloadSet(set);
+    }
+    auto const overload = std::dynamic_pointer_cast<DmOverload>(def);
+    if (!overload) {
+        return DmStatus::kInvalidArgument;
+    }
+    auto const found = m_nodeDefs->find(def->getName());
+    if (found != m_nodeDefs->end()) {
+        auto const set = std::dynamic_pointer_cast<DmOverloadSet>(found->second);
+        if (!set) {
+            return DmStatus::kFailure;
+        }
+        overload->setOwner(set.get());
+        return set->addOverload(overload);
+    }
+    auto const set = DmOverloadSet::newOverloadSet(overload, def->isBuiltIn());
+    overload->setOwner(set.get());
+    set->setLibrary(def->getLibrary());
+    return registerOverloadSet(set);
+}
+
+DmStatus DmScope::registerOverloadSet(std::shared_ptr<DmOverloadSet> const& set) {
+    return m_nodeDefs->insert(set->getName(), set).second ? DmStatus::kSuccess : DmStatus::kInvalidArgument;
+}
+
+DmStatus DmScope::unregisterNodeDef(std::shared_ptr<DmNodeDef> const& def) {
+    if (!def) {
+        return DmStatus::kInvalidArgument;
+    }
+    if (auto const scope = std::dynamic_pointer_cast<DmScope>(def)) {
+        scope->setParent(nullptr);
+        removeNestedScope(scope);
+    }
+    auto const found = m_nodeDefs->find(def->getName());
+    if (found == m_nodeDefs->end()) {
+        return DmStatus::kSuccess;
+    }
+    auto const set = std::dynamic_pointer_cast<DmOverloadSet>(found->second);
+    auto const overload = std::dynamic_pointer_cast<DmOverload>(def);
+    if (!set || !overload) {
+        m_nodeDefs->erase(found);
+        return DmStatus::kSuccess;
+    }
+    // The set goes on living in `keep` while the overload is taken out.
+    std::shared_ptr<DmOverloadSet> const keep = set;
+    DmStatus const status = set->removeOverload(overload);
+    // Nodes that still use a placeholder's set keep pointing at it: the entry
+    // stays until the proper definition replaces the placeholder.
+    if (set->empty() && !(def->isUnknown() && !set->hasNoReference())) {
+        m_nodeDefs->erase(def->getName());
+    }
+    overload->setOwner(nullptr);
+    return status;
+}
+
+bool DmScope::findNodeDef(std::string const& name, std::shared_ptr<DmNodeDef>& out) const {
+    // A plain scope knows its own names only.
+    if (name.find(kSeparator, 0, kSeparatorLength) != std::string::npos) {
+        return false;
+    }
+    auto const found = m_nodeDefs->find(name);
+    if (found == m_nodeDefs->end()) {
+        return false;
+    }
+    out = found->second;
+    return true;
+}
+
+bool DmScope::findNodeDef(std::string const& name, std::shared_ptr<DmOverloadSet>& out) const {
+    std::shared_ptr<DmNodeDef> found;
+    if (!findNodeDef(name, found)) {
+        return false;
+    }
+    out = std::dynamic_pointer_cast<DmOverloadSet>(found);
+    return true;
+}
+
+bool DmScope::hasNodeDef(std::string const& name) const {
+    std::shared_ptr<DmNodeDef> found;
+    return findNodeDef(name, found);
+}
+
+bool DmScope::rekeyNodeDef(std::string const& oldName, std::string const& newName) {
+    auto const found = m_nodeDefs->find(oldName);
+    return found != m_nodeDefs->end() && m_nodeDefs->rekey(found, newName);
+}
+
+// ---------------------------------------------------------------------------
+// Names
 
 void DmScope::resolveScopeName(std::string& out) const {
     if (m_parent == nullptr) {

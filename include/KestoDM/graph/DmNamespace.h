@@ -103,6 +103,14 @@ public:
     NamespaceMap const& getNestedNamespaces() const noexcept { return *m_nestedNamespaces; }
     /// @}
 
+    /// @name Node definitions
+    /// @{
+    /// Looks the path `name` up from here ("a::b::op" is op of b nested in
+    /// a), without creating anything.
+    bool findNodeDef(std::string const& name, std::shared_ptr<DmNodeDef>& out) const override;
+    bool findNodeDef(std::string const& name, std::shared_ptr<DmOverloadSet>& out) const override;
+    /// @}
+
     /// @name Types
     /// @{
     /// Looks the path `name` up from here, without creating anything: false
@@ -145,6 +153,11 @@ public:
 private:
     /// The shared reference that owns this namespace; null while none does.
     std::shared_ptr<DmNamespace> self() const;
+    /// The lookup of a "::" path shared by types and definitions: `findHere`
+    /// answers for a plain name, `findInChild` continues in a nested namespace.
+    template <class Out, class FindHere, class FindInChild>
+    bool walkPath(std::string const& name, Out& out, FindHere const& findHere,
+                  FindInChild const& findInChild) const;
     /// True when `scope` is this namespace or one above it.
     bool isSelfOrAncestor(DmScope const* scope) const noexcept;
 

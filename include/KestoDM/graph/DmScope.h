@@ -16,6 +16,7 @@ namespace Kesto {
 class DmMessageLogger;
 class DmNamedEntity;
 class DmNodeDef;
+class DmOverloadSet;
 
 /// A container in which node definitions live, and a link in a chain of scopes
 /// that gives every definition its "::"-separated full name. Namespaces are
@@ -74,6 +75,21 @@ public:
     /// The definitions of this scope by name, in the order of registration;
     /// each entry is an overload set.
     NodeDefMap const& getNodeDefs() const noexcept { return *m_nodeDefs; }
+    /// Places `def` here: it joins the overload set of its name, which is
+    /// made when there is none. A set given itself is filed as it is
+    /// (kInvalidArgument when the name is taken). The definition's scope
+    /// pointer is set first, whatever the outcome.
+    DmStatus registerNodeDef(std::shared_ptr<DmNodeDef> const& def);
+    /// Takes `def` out of its set here; an emptied set goes, except the set
+    /// of a placeholder that nodes still use. kSuccess when the name is not here.
+    DmStatus unregisterNodeDef(std::shared_ptr<DmNodeDef> const& def);
+    /// The entry of `name` in this scope alone: a name with "::" is not
+    /// looked up here. False (out untouched) when absent.
+    virtual bool findNodeDef(std::string const& name, std::shared_ptr<DmNodeDef>& out) const;
+    /// As above, cast to the set; `out` is null, with true, when the entry is
+    /// no overload set.
+    virtual bool findNodeDef(std::string const& name, std::shared_ptr<DmOverloadSet>& out) const;
+    bool hasNodeDef(std::string const& name) const;
     /// @}
 
     /// @name Names
@@ -107,7 +123,16 @@ protected:
     /// kSuccess when removed, kFailure when the scope is not there.
     DmStatus removeNestedScope(std::shared_ptr<DmScope> const& scope);
 
+    /// Re-keys the entry `oldName` as `newName` in place; false when the old
+    /// name is absent or the new one taken.
+    bool rekeyNodeDef(std::string const& oldName, std::string const& newName);
+
 private:
+    friend class DmNodeDef;
+
+    /// Files a set under its name; kInvalidArgument when the name is taken.
+    DmStatus registerOverloadSet(std::shared_ptr<DmOverloadSet> const& set);
+
     std::shared_ptr<DmMessageLogger> m_logger;
     DmScope* m_parent = nullptr;
     std::shared_ptr<ScopeSet> m_nestedScopes;

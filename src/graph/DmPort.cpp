@@ -1,0 +1,334 @@
+#include <KestoDM/graph/DmPort.h>
+
+#include <KestoDM/foundation/DmNameUtils.h>
+#include <KestoDM/graph/DmNode.h>
+#include <KestoDM/graph/DmNodeDef.h>
+#include <KestoDM/graph/DmOverload.h>
+#include <KestoDM/graph/DmOverloadSet.h>
+#include <KestoDM/graph/DmPortDescription.h>
+#include <KestoDM/graph/DmWatchPoint.h>
+#include <KestoDM/library/DmLibrary.h>
+#include <KestoDM/types/DmBaseType.h>
+#include <KestoDM/types/DmBaseValue.h>
+#include <KestoDM/types/DmStructValue.h>
+#include <KestoDM/types/DmUninstantiableType.h>
+
+namespace Kesto {
+
+namespace {
+
+bool isStructKind(std::shared_ptr<DmBaseType const> const& type) noexcept {
+    return type && (type->getTypeKind() == kTypeStruct || type->getTypeKind() == kTypeUnknownStruct);
+}
+
+DmPort::MemberMap const& emptyMembers() {
+    static DmPort::MemberMap const* const empty = new DmPort::MemberMap();
+    return *empty;
+}
+
+} // namespace
+
+// ---------------------------------------------------------------------------
+// Construction
+
+std::shared_ptr<DmPort> DmPort::newPort(std::shared_ptr<DmPortDescription> const& description, DmNode* node,
+                                        DmPort* parent) {
+    if (!description) {
+        return nullptr;
+    }
+    auto port = std::make_shared<DmPort>(InternalConstructor(), description, node, parent);
+    port->initialize();
+    return port;
+}
+
+DmPort::DmPort(InternalConstructor, std::shared_ptr<DmPortDescription> description, DmNode* node,
+               DmPort* parent)
+    : DmNamedEntity(description->getName(), true), m_description(std::move(description)), m_node(node),
+      m_parent(parent), m_fanIn(m_description->isDefaultFanIn()) {}
+
+DmPort::~DmPort() = default;
+
+// ---------------------------------------------------------------------------
+// Identity
+
+std::string const& DmPort::getName() const {
+    return m_description->getName();
+}
+
+void DmPort::resolveFullName(std::string& out) const {
+    if (m_parent != nullptr) {
+        m_parent->resolveFullName(out);
+        out += '.';
+    } else if (m_node != nullptr) {
+        m_node->resolveFullName(out);
+        out += '.';
+    }
+    out += getName();
+}
+
+bool DmPort::setName(std::string const& name, DmNameResolutionType type, DmNameResolveFlags flags) {
+    std::string resolved;
+    if (!resolveName(name, resolved, flags)) {
+        return false;
+    }
+    std::string const oldName = getName();
+    if (resolved == oldName) {
+        return true;
+    }
+    if (m_parent != nullptr) {
+        // An entry or member: unique among its siblings, re-keyed in place.
+        MemberMap& siblings = m_parent->members();
+        if (siblings.contains(resolved) ||
+            !m_description->DmNamedEntity::setName(resolved, type, kNameVerbatim)) {
+            return false;
+        }
+        auto const entry = siblings.find(oldName);
+        if (entry != siblings.end()) {
+            siblings.rekey(entry, resolved);
+        }
+        return true;
+    }
+    DmNodeDef* const def = m_node != nullptr ? m_node->getNodeDef() : nullptr;
+    if (def != nullptr && def->getPortsInterface()[oldName] == m_description) {
+        // The definition's own description: the definition renames it and
+        // tells every node, this one included.
+        return m_description->setName(resolved, type, kNameVerbatim);
+    }
+    if (m_node != nullptr && (*m_node)[resolved]) {
+        return false;
+    }
+    if (!m_description->DmNamedEntity::setName(resolved, type, kNameVerbatim)) {
+        return false;
+    }
+    if (m_node != nullptr) {
+        m_node->rekeyPort(oldName, resolved);
+    }
+    return true;
+}
+
+bool DmPort::setPortDescription(std::shared_ptr<DmPortDescription> const& description) {
+    if (!description || description->getName() != getName()) {
+        return false;
+    }
+    m_description = description;
+    return true;
+}
+
+bool DmPort::isInput() const {
+    return m_description->isInput();
+}
+
+bool DmPort::isOutput() const {
+    return m_description->isOutput();
+}
+
+bool DmPort::isMultiIn() const {
+    return m_description->getPortKind() == kPortMultiIn;
+}
+
+// ---------------------------------------------------------------------------
+// Values
+
+void DmPort::initialize() {
+    auto const& type = m_description->getType();
+    if (!type) {
+        m_defaultValue.reset();
+        return;
+    }
+    initializeFrom(type->createDefaultValue());
+}
+
+void DmPort::initializeFrom(std::shared_ptr<DmBaseValue> const& value) {
+    m_defaultValue = value;
+    if (!isStructKind(m_description->getType())) {
+        return;
+    }
+    // One member port per struct member, whose value is the member of the
+    // struct value: the two share their storage.
+    auto const* const structValue = dynamic_cast<DmStructValue const*>(value.get());
+    m_members = std::make_shared<MemberMap>();
+    for (auto const& entry : m_description->getMembers()) {
+        auto member = std::make_shared<DmPort>(InternalConstructor(), entry.second, m_node, this);
+        std::shared_ptr<DmBaseValue> memberValue;
+        if (structValue != nullptr) {
+            structValue->getMember(entry.first, memberValue);
+        }
+        member->initializeFrom(memberValue);
+        m_members->insert(entry.first, std::move(member));
+    }
+}
+
+bool DmPort::hasImmediateValue() const {
+    return m_defaultValue && !m_defaultValue->isImplicit();
+}
+
+bool DmPort::setDefaultValue(std::shared_ptr<DmBaseValue> const& value) {
+    if (!value) {
+        return false;
+    }
+    if (!DmBaseType::equivalent(value->getType(), m_description->getType())) {
+        DmNodeDef const* const def = m_node != nullptr ? m_node->getNodeDef() : nullptr;
+        if (isMember() || (def != nullptr && def->isValueNodeDef())) {
+            return false;
+        }
+        if (!m_description->setType(value->getType())) {
+            return false;
+        }
+        initialize();
+    }
+    if (m_parent != nullptr && !m_parent->isMultiIn() && !m_parent->isFanIn()) {
+        if (auto const parentValue = std::dynamic_pointer_cast<DmStructValue>(m_parent->m_defaultValue)) {
+            parentValue->setMember(getName(), value);
+        }
+    }
+    updatePortValue(value);
+    return true;
+}
+
+void DmPort::updatePortValue(std::shared_ptr<DmBaseValue> const& value) {
+    m_defaultValue = value;
+    if (!m_members || !isStructKind(m_description->getType())) {
+        return;
+    }
+    auto const* const structValue = dynamic_cast<DmStructValue const*>(value.get());
+    if (structValue == nullptr) {
+        return;
+    }
+    for (auto const& entry : *m_members) {
+        std::shared_ptr<DmBaseValue> memberValue;
+        if (structValue->getMember(entry.first, memberValue)) {
+            entry.second->updatePortValue(memberValue);
+        }
+    }
+}
+
+std::shared_ptr<DmBaseValue> DmPort::findUnconnectedPortValue() const {
+    auto const& type = m_description->getType();
+    bool const isAuto = type && type->getTypeKind() == kTypeAuto;
+    if (!isAuto && m_description->getDefaultValueOverride()) {
+        return m_description->getDefaultValueOverride();
+    }
+    if (m_node == nullptr) {
+        return nullptr;
+    }
+    if (m_parent != nullptr && (m_parent->isMultiIn() || m_parent->isFanIn())) {
+        return m_node->findUnconnectedPortValue(m_parent->getName());
+    }
+    return m_node->findUnconnectedPortValue(getName());
+}
+
+std::shared_ptr<DmBaseValue> DmPort::getDefaultValueOverride() const {
+    // Only a set of one overload has a single override to give.
+    auto const* const set =
+        m_node != nullptr ? dynamic_cast<DmOverloadSet const*>(m_node->getNodeDef()) : nullptr;
+    if (set == nullptr || set->size() != 1) {
+        return nullptr;
+    }
+    auto const port = set->getOverloads().front()->getPortsInterface()[getName()];
+    return port ? port->getDefaultValueOverride() : nullptr;
+}
+
+// ---------------------------------------------------------------------------
+// Members and entries
+
+DmPort::MemberMap& DmPort::members() {
+    if (!m_members) {
+        m_members = std::make_shared<MemberMap>();
+    }
+    return *m_members;
+}
+
+DmPort::MemberMap const& DmPort::getMembers() const {
+    return m_members ? *m_members : emptyMembers();
+}
+
+bool DmPort::addMember(std::shared_ptr<DmPort> const& port) {
+    return port && members().insert(port->getName(), port).second;
+}
+
+bool DmPort::getMember(std::string const& path, std::shared_ptr<DmPort>& out) const {
+    if (!m_members) {
+        return false;
+    }
+    std::string::size_type const dot = path.find('.');
+    auto const found = m_members->find(std::string_view(path).substr(0, dot));
+    if (found == m_members->end()) {
+        return false;
+    }
+    if (dot == std::string::npos) {
+        out = found->second;
+        return true;
+    }
+    return found->second->getMember(path.substr(dot + 1), out);
+}
+
+DmStatus DmPort::addMultiInPortEntry(std::string const& name, std::shared_ptr<DmPort>& out,
+                                     DmNameResolveFlags flags) {
+    if (!isMultiIn() && !m_fanIn) {
+        return DmStatus::kFailure;
+    }
+    std::string resolved;
+    if (!resolveName(name, resolved, flags)) {
+        return DmStatus::kInvalidArgument;
+    }
+    MemberMap& entries = members();
+    DmNameUtils::getNewName(entries.begin(), entries.end(), resolved, nullptr);
+    // A fan-in entry takes any element; a multi-in entry takes the port's type.
+    auto const type = m_fanIn ? std::static_pointer_cast<DmBaseType const>(DmLibrary::getAutoType())
+                              : m_description->getType();
+    auto const description =
+        DmPortDescription::newPortDescription(resolved, type, kDirectionInput, kNameVerbatim);
+    auto const entry = newPort(description, m_node, this);
+    addMember(entry);
+    out = entry;
+    return DmStatus::kSuccess;
+}
+
+DmStatus DmPort::removeMultiInPortEntry(std::shared_ptr<DmPort> const& entry) {
+    if (!m_members || m_members->empty() || (!isMultiIn() && !m_fanIn) || !entry) {
+        return DmStatus::kFailure;
+    }
+    auto const found = m_members->find(entry->getName());
+    if (found == m_members->end() || found->second != entry) {
+        return DmStatus::kFailure;
+    }
+    m_members->erase(found);
+    return DmStatus::kSuccess;
+}
+
+DmStatus DmPort::setFanIn(bool fanIn) {
+    if (fanIn == m_fanIn) {
+        return DmStatus::kSuccess;
+    }
+    if (fanIn) {
+        if (!isInput() || hasMembers()) {
+            return DmStatus::kFailure;
+        }
+        m_fanIn = true;
+        m_members = std::make_shared<MemberMap>();
+        return DmStatus::kSuccess;
+    }
+    m_members.reset();
+    m_fanIn = false;
+    return DmStatus::kSuccess;
+}
+
+// ---------------------------------------------------------------------------
+// Watch point
+
+std::shared_ptr<DmWatchPoint> const& DmPort::setWatchPoint() {
+    if (!m_watchPoint) {
+        m_watchPoint = DmWatchPoint::createNew();
+    }
+    return m_watchPoint;
+}
+
+DmStatus DmPort::removeWatchPoint() {
+    if (!m_watchPoint) {
+        return DmStatus::kFailure;
+    }
+    m_watchPoint.reset();
+    return DmStatus::kSuccess;
+}
+
+} // namespace Kesto
