@@ -74,6 +74,7 @@
 
 #include <KestoDM/graph/DmCollect.h>
 #include <KestoDM/graph/DmExternOperator.h>
+#include <KestoDM/graph/DmGlobalVariable.h>
 #include <KestoDM/graph/DmNamespace.h>
 #include <KestoDM/graph/DmNativeNodeDef.h>
 #include <KestoDM/graph/DmNode.h>

@@ -1,6 +1,7 @@
 #include <KestoDM/graph/DmNamespace.h>
 
 #include <KestoDM/foundation/DmMessageLogger.h>
+#include <KestoDM/graph/DmGlobalVariable.h>
 #include <KestoDM/graph/DmNodeDef.h>
 #include <KestoDM/graph/DmOverloadSet.h>
 #include <KestoDM/graph/DmSelector.h>
@@ -289,6 +290,32 @@ DmStatus DmNamespace::unregisterType(std::shared_ptr<DmBaseType> const& type) {
         return DmStatus::kFailure;
     }
     m_types->erase(found);
+    return DmStatus::kSuccess;
+}
+
+// ---------------------------------------------------------------------------
+// Global variables
+
+DmStatus DmNamespace::registerGlobalVariable(std::shared_ptr<DmGlobalVariable> const& variable) {
+    if (!variable) {
+        return DmStatus::kInvalidArgument;
+    }
+    // Unlike types, two variables of one name are a clash whatever they hold.
+    return m_globalVariables->insert(variable->getName(), variable).second ? DmStatus::kSuccess
+                                                                           : DmStatus::kFailure;
+}
+
+DmStatus DmNamespace::unregisterGlobalVariable(std::shared_ptr<DmGlobalVariable> const& variable) {
+    if (!variable) {
+        return DmStatus::kInvalidArgument;
+    }
+    // Only the variable filed here goes: one that lost a clash still names
+    // this namespace, and must not take the newcomer of its name with it.
+    auto const found = m_globalVariables->find(variable->getName());
+    if (found == m_globalVariables->end() || found->second != variable) {
+        return DmStatus::kFailure;
+    }
+    m_globalVariables->erase(found);
     return DmStatus::kSuccess;
 }
 

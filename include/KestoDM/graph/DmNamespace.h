@@ -134,6 +134,13 @@ public:
 
     /// @name Global variables
     /// @{
+    /// Files `variable` under its name: kFailure when the name is taken (the
+    /// variable there stays), kInvalidArgument for null. Variables are placed
+    /// by DmGlobalVariable::setNamespace, which calls this.
+    DmStatus registerGlobalVariable(std::shared_ptr<DmGlobalVariable> const& variable);
+    /// Removes `variable`; kFailure when it is not the variable filed under
+    /// its name, kInvalidArgument for null.
+    DmStatus unregisterGlobalVariable(std::shared_ptr<DmGlobalVariable> const& variable);
     /// The global variables of this namespace by name, in the order of registration.
     std::shared_ptr<GlobalVariableMap const> getGlobalVariables() const noexcept { return m_globalVariables; }
     /// @}
