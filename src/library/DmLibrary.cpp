@@ -15,6 +15,7 @@
 #include <KestoDM/foundation/DmMessageReport.h>
 #include <KestoDM/foundation/DmNameUtils.h>
 #include <KestoDM/foundation/DmOSUtils.h>
+#include <KestoDM/graph/DmGlobalVariable.h>
 #include <KestoDM/platform/BaContext.h>
 #include <KestoDM/types/DmArrayType.h>
 #include <KestoDM/types/DmBaseType.h>
@@ -323,13 +324,19 @@ void walkNamespaces(DmNamespace const& ns, Visit const& visit) {
     }
 }
 
-template <class Map>
-void addTypesByFullName(DmNamespace const& ns, Map& types) {
-    for (auto const& entry : ns.getTypes()) {
+// Adds the entities of a namespace's map to `out` under their full names.
+template <class Entries, class Map>
+void addByFullName(Entries const& entries, Map& out) {
+    for (auto const& entry : entries) {
         std::string fullName;
         entry.second->resolveFullName(fullName);
-        types.insert(std::move(fullName), entry.second);
+        out.insert(std::move(fullName), entry.second);
     }
+}
+
+template <class Map>
+void addTypesByFullName(DmNamespace const& ns, Map& types) {
+    addByFullName(ns.getTypes(), types);
 }
 
 template <class Map>
@@ -341,6 +348,14 @@ Map collectTypes(DmNamespace const& global, bool withReserved) {
         addTypesByFullName(*DmLibrary::getReservedNamespace(), types);
     }
     return types;
+}
+
+template <class Map>
+Map collectGlobalVariables(DmNamespace const& global) {
+    Map variables;
+    walkNamespaces(
+        global, [&variables](DmNamespace const& ns) { addByFullName(*ns.getGlobalVariables(), variables); });
+    return variables;
 }
 
 } // namespace
@@ -381,13 +396,11 @@ DmLibrary::ConstNamespaceMap DmLibrary::getConstNamespaces() const {
 }
 
 DmLibrary::GlobalVariableMap DmLibrary::getGlobalVariables() const {
-    // Global variables are registered in namespaces once they exist; until
-    // then every namespace's map is empty.
-    return GlobalVariableMap();
+    return collectGlobalVariables<GlobalVariableMap>(*m_globalNamespace);
 }
 
 DmLibrary::ConstGlobalVariableMap DmLibrary::getConstGlobalVariables() const {
-    return ConstGlobalVariableMap();
+    return collectGlobalVariables<ConstGlobalVariableMap>(*m_globalNamespace);
 }
 
 void DmLibrary::collect(DmCollectList& list, DmSelector const& selector, DmCollectMask mask,

@@ -175,7 +175,9 @@ public:
     CompoundMap getCompounds() const;
     /// The namespaces under the global namespace, depth first, by full path ("a", "a::b").
     ConstNamespaceMap getConstNamespaces() const;
-    /// The global variables of the namespaces; empty until global variables exist.
+    /// The global variables of the global namespace and its nested namespaces,
+    /// depth first, each namespace's in the order of filing, by full name ("v", "a::v").
+    /// A full name met twice keeps the first.
     GlobalVariableMap getGlobalVariables() const;
     ConstGlobalVariableMap getConstGlobalVariables() const;
     /// Appends what DmNamespace::collect gathers from the global namespace.
