@@ -16,6 +16,7 @@
 #include <KestoDM/foundation/DmNameUtils.h>
 #include <KestoDM/foundation/DmOSUtils.h>
 #include <KestoDM/graph/DmGlobalVariable.h>
+#include <KestoDM/graph/DmNodeDef.h>
 #include <KestoDM/platform/BaContext.h>
 #include <KestoDM/types/DmArrayType.h>
 #include <KestoDM/types/DmBaseType.h>
@@ -372,9 +373,10 @@ DmLibrary::ConstTypeMap DmLibrary::getConstTypes(bool withReserved) const {
 // Other content
 
 DmLibrary::NodeDefMap DmLibrary::getNodeDefs() const {
-    // Definitions are registered in namespaces once node definitions exist;
-    // until then every namespace's map is empty.
-    return NodeDefMap();
+    NodeDefMap defs;
+    walkNamespaces(*m_globalNamespace,
+                   [&defs](DmNamespace const& ns) { addByFullName(ns.getNodeDefs(), defs); });
+    return defs;
 }
 
 DmLibrary::CompoundMap DmLibrary::getCompounds() const {

@@ -318,7 +318,7 @@ TEST(DmLibraryTypes, GetTypesIsANewMapEachTime) {
 // ---------------------------------------------------------------------------
 // The other collections
 
-TEST(DmLibraryTypes, NodeDefsCompoundsAndGlobalVariablesAreEmptyUntilTheyExist) {
+TEST(DmLibraryTypes, ANewLibraryListsNoUserEntities) {
     auto const library = makeLibrary();
     library->getGlobalNamespace()->fetchNamespace("a::b");
     EXPECT_TRUE(library->getNodeDefs().empty());
