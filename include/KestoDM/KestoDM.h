@@ -73,6 +73,8 @@
 #include <KestoDM/types/ExternTargetSet.h>
 
 #include <KestoDM/graph/DmCollect.h>
+#include <KestoDM/graph/DmCompound.h>
+#include <KestoDM/graph/DmConnection.h>
 #include <KestoDM/graph/DmExternOperator.h>
 #include <KestoDM/graph/DmGlobalVariable.h>
 #include <KestoDM/graph/DmNamespace.h>

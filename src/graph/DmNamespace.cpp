@@ -1,6 +1,7 @@
 #include <KestoDM/graph/DmNamespace.h>
 
 #include <KestoDM/foundation/DmMessageLogger.h>
+#include <KestoDM/graph/DmCompound.h>
 #include <KestoDM/graph/DmGlobalVariable.h>
 #include <KestoDM/graph/DmNodeDef.h>
 #include <KestoDM/graph/DmOverloadSet.h>
@@ -29,6 +30,15 @@ bool isCollectedKind(DmTypeKind kind) noexcept {
     default:
         return false;
     }
+}
+
+bool isCompound(DmOverload const& overload) noexcept {
+    return dynamic_cast<DmCompound const*>(&overload) != nullptr;
+}
+
+// External operators arrive with their own class; until then no overload is one.
+bool isExternOperator(DmOverload const&) noexcept {
+    return false;
 }
 
 std::string_view::size_type findSeparator(std::string const& name) noexcept {
@@ -332,8 +342,21 @@ void DmNamespace::collect(DmCollectList& list, DmSelector const& selector, DmCol
             }
         }
     }
-    // Compounds and external operators are overloads in the overload sets of
-    // getNodeDefs; the walk over them joins here with the node definitions.
+    if ((mask & (kCollectCompounds | kCollectExternOperators)) != 0) {
+        for (auto const& entry : getNodeDefs()) {
+            auto const* const set = dynamic_cast<DmOverloadSet const*>(entry.second.get());
+            if (set == nullptr || set->isBuiltIn()) {
+                continue;
+            }
+            for (auto const& overload : set->getOverloads()) {
+                bool const wanted = ((mask & kCollectCompounds) != 0 && isCompound(*overload)) ||
+                                    ((mask & kCollectExternOperators) != 0 && isExternOperator(*overload));
+                if (wanted && selector.select(overload)) {
+                    list.push_back(overload);
+                }
+            }
+        }
+    }
     if ((flags & kCollectNested) != 0) {
         for (auto const& entry : *m_nestedNamespaces) {
             entry.second->collect(list, selector, mask, flags);

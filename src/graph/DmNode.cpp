@@ -1,5 +1,6 @@
 #include <KestoDM/graph/DmNode.h>
 
+#include <KestoDM/graph/DmCompound.h>
 #include <KestoDM/graph/DmNodeDef.h>
 #include <KestoDM/graph/DmOverload.h>
 #include <KestoDM/graph/DmOverloadSet.h>
@@ -79,8 +80,23 @@ bool DmNode::isSelfNode() const {
 
 bool DmNode::setName(std::string const& name, DmNameResolutionType type, DmNameResolveFlags flags) {
     std::string resolved;
-    if (!resolveName(name, resolved, flags)) {
+    if (!resolveName(name, resolved, flags) || isConst()) {
         return false;
+    }
+    if (m_owner != nullptr) {
+        if (isSelfNode()) {
+            if (m_owner->isReservedNodeName(resolved)) {
+                return false;
+            }
+        } else {
+            std::string unique = resolved;
+            m_owner->getUniqueNodeName(unique, getName());
+            if (unique != resolved && type == kFailOnClash) {
+                return false;
+            }
+            resolved = std::move(unique);
+            m_owner->renameNode(getName(), resolved);
+        }
     }
     return DmNamedEntity::setName(resolved, type, kNameVerbatim);
 }
@@ -180,7 +196,10 @@ bool DmNode::removePort(std::string const& name) {
         return false;
     }
     std::shared_ptr<DmPort> const port = found->second;
-    m_ports->erase(found);
+    if (m_owner != nullptr) {
+        m_owner->breakAllConnections(port);
+    }
+    m_ports->erase(port->getName());
     if (port.get() == m_multiInPort) {
         m_multiInPort = nullptr;
     }

@@ -1,6 +1,8 @@
 #include <KestoDM/graph/DmPort.h>
 
 #include <KestoDM/foundation/DmNameUtils.h>
+#include <KestoDM/graph/DmCompound.h>
+#include <KestoDM/graph/DmConnection.h>
 #include <KestoDM/graph/DmNode.h>
 #include <KestoDM/graph/DmNodeDef.h>
 #include <KestoDM/graph/DmOverload.h>
@@ -24,6 +26,10 @@ bool isStructKind(std::shared_ptr<DmBaseType const> const& type) noexcept {
 DmPort::MemberMap const& emptyMembers() {
     static DmPort::MemberMap const* const empty = new DmPort::MemberMap();
     return *empty;
+}
+
+std::shared_ptr<DmPort> sharedFrom(DmPort const* port) {
+    return std::static_pointer_cast<DmPort>(std::const_pointer_cast<DmNamedEntity>(port->shared_from_this()));
 }
 
 } // namespace
@@ -292,7 +298,10 @@ DmStatus DmPort::removeMultiInPortEntry(std::shared_ptr<DmPort> const& entry) {
     if (found == m_members->end() || found->second != entry) {
         return DmStatus::kFailure;
     }
-    m_members->erase(found);
+    if (DmCompound* const owner = ownerCompound()) {
+        owner->breakAllConnections(entry);
+    }
+    m_members->erase(entry->getName());
     return DmStatus::kSuccess;
 }
 
@@ -300,17 +309,53 @@ DmStatus DmPort::setFanIn(bool fanIn) {
     if (fanIn == m_fanIn) {
         return DmStatus::kSuccess;
     }
+    DmCompound* const owner = ownerCompound();
+    std::shared_ptr<DmPort> const self = std::static_pointer_cast<DmPort>(shared_from_this());
     if (fanIn) {
         if (!isInput() || hasMembers()) {
             return DmStatus::kFailure;
         }
         m_fanIn = true;
         m_members = std::make_shared<MemberMap>();
+        // The one connection feeding the port moves to the first entry.
+        if (owner != nullptr && !m_connectedPorts.empty()) {
+            std::shared_ptr<DmPort> const source = sharedFrom(*m_connectedPorts.begin());
+            std::shared_ptr<DmPort> entry;
+            addMultiInPortEntry(kFirstEntryName, entry);
+            owner->breakConnection(source, self);
+            std::shared_ptr<DmConnection> moved;
+            owner->makeConnection(source, entry, moved);
+        }
         return DmStatus::kSuccess;
+    }
+    // Back to a plain input: only the first connection of the entries stays,
+    // moved to the port; the others are dropped.
+    std::shared_ptr<DmPort> firstSource;
+    if (owner != nullptr) {
+        std::vector<std::pair<std::shared_ptr<DmPort>, std::shared_ptr<DmPort>>> feeds;
+        for (auto const& entry : getMembers()) {
+            for (DmPort const* source : entry.second->getConnectedPorts()) {
+                feeds.emplace_back(sharedFrom(source), entry.second);
+            }
+        }
+        for (auto const& feed : feeds) {
+            if (!firstSource) {
+                firstSource = feed.first;
+            }
+            owner->breakConnection(feed.first, feed.second);
+        }
     }
     m_members.reset();
     m_fanIn = false;
+    if (firstSource) {
+        std::shared_ptr<DmConnection> moved;
+        owner->makeConnection(firstSource, self, moved);
+    }
     return DmStatus::kSuccess;
+}
+
+DmCompound* DmPort::ownerCompound() const noexcept {
+    return m_node != nullptr ? m_node->getOwner() : nullptr;
 }
 
 // ---------------------------------------------------------------------------

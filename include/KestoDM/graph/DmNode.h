@@ -61,9 +61,10 @@ public:
     virtual bool isSelfNode() const;
     DmNodeDef* getNodeDef() const noexcept { return m_nodeDef; }
     DmCompound* getOwner() const noexcept { return m_owner; }
-    void setOwner(std::shared_ptr<DmCompound> const& owner) noexcept { m_owner = owner.get(); }
+    /// The compound that holds the node; set by DmCompound::addNode.
+    void setOwner(DmCompound* owner) noexcept { m_owner = owner; }
     /// Renames the node, made unique in its compound: under kFailOnClash a
-    /// taken name is refused.
+    /// taken or reserved name is refused. The self node refuses a reserved name.
     bool setName(std::string const& name, DmNameResolutionType type, DmNameResolveFlags flags) override;
     std::string getMapEntryKey() const { return getName(); }
     /// @}

@@ -14,6 +14,7 @@
 namespace Kesto {
 
 class DmBaseValue;
+class DmCompound;
 class DmNode;
 class DmPortDescription;
 class DmWatchPoint;
@@ -30,6 +31,9 @@ class KESTODM_API DmPort : public DmNamedEntity, public DmInstanceCounter<DmPort
 public:
     using MemberMap = LinkedHashMap<std::string, std::shared_ptr<DmPort>, StringHasher, StringCompare>;
     using ConnectedPorts = LinkedHashSet<DmPort const*>;
+
+    /// The entry that a connection moves to when a port turns fan-in.
+    static constexpr char const kFirstEntryName[] = "element_0";
 
     /// A new port on `description` for `node`, with its default value and,
     /// for a struct, its members. `parent` is the port an entry or member
@@ -131,6 +135,8 @@ private:
     /// Stores `value` and rewrites the members' values from it, recursively.
     void updatePortValue(std::shared_ptr<DmBaseValue> const& value);
     MemberMap& members();
+    /// The compound of the port's node, or null.
+    DmCompound* ownerCompound() const noexcept;
 
     std::shared_ptr<DmPortDescription> m_description;
     DmNode* m_node;
