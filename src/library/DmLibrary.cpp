@@ -22,6 +22,7 @@
 #include <KestoDM/types/DmBaseType.h>
 
 #include "graph/DmRootNamespaces.h"
+#include "library/DmBuiltInDefinitions.h"
 #include "library/DmLibraryFaults.h"
 #include "types/DmTypeSingletons.h"
 
@@ -251,6 +252,7 @@ bool DmLibrary::initialize(std::ostream* errorStream) {
     // namespace before this library's thread can use one.
     getBuiltInNamespace();
     getReservedNamespace();
+    Internal::buildBuiltInDefinitions(*this, *m_globalNamespace);
     return !Internal::shouldFailLibraryInitialization();
 }
 

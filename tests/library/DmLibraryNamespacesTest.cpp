@@ -69,10 +69,11 @@ TEST(DmLibraryNamespaces, EachLibraryHasItsOwnGlobalNamespace) {
     EXPECT_NE(first->getGlobalNamespace(), second->getGlobalNamespace());
 }
 
-TEST(DmLibraryNamespaces, NewGlobalNamespaceIsEmpty) {
+TEST(DmLibraryNamespaces, NewGlobalNamespaceHoldsOnlyTheBuiltInNamespace) {
     auto const library = makeLibrary();
     EXPECT_TRUE(library->getGlobalNamespace()->getTypes().empty());
-    EXPECT_TRUE(library->getGlobalNamespace()->getNestedNamespaces().empty());
+    EXPECT_EQ(KestoTest::keysOf(library->getGlobalNamespace()->getNestedNamespaces()),
+              std::vector<std::string>{"Core"});
 }
 
 // ---------------------------------------------------------------------------
