@@ -12,6 +12,8 @@
 #include <KestoDM/platform/BaMessageTypes.h>
 #include <KestoDM/types/DmBaseValue.h>
 
+#include "graph/DmCompoundVisitorImport.h"
+
 #include <algorithm>
 
 namespace Kesto {
@@ -504,12 +506,23 @@ DmStatus DmCompound::breakAllConnections() {
 DmStatus DmCompound::import(std::shared_ptr<DmScope> const& scope, DmNameResolutionType type,
                             std::string const& name, std::shared_ptr<DmNodeDef>& out,
                             ImportErrorFlags flags) {
-    (void)scope;
-    (void)type;
-    (void)name;
-    (void)out;
-    (void)flags;
-    return DmStatus::kFailure;
+    if (!scope) {
+        return DmStatus::kFailure;
+    }
+    std::string target = name;
+    if (type != kAsOverload && scope->hasNodeDef(target)) {
+        if (type == kFailOnClash) {
+            return DmStatus::kInvalidArgument;
+        }
+        DmNameUtils::getNewName(scope->getNodeDefs().begin(), scope->getNodeDefs().end(), target, nullptr);
+    }
+    DmCompoundVisitorImport visitor(std::static_pointer_cast<DmCompound const>(shared_from_this()), target,
+                                    scope, flags);
+    visitor.visit();
+    if (visitor.checkStatus()) {
+        out = visitor.getImportedCompound();
+    }
+    return visitor.getStatus();
 }
 
 // ---------------------------------------------------------------------------
