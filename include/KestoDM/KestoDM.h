@@ -76,7 +76,10 @@
 #include <KestoDM/graph/DmCompound.h>
 #include <KestoDM/graph/DmConnection.h>
 #include <KestoDM/graph/DmExternOperator.h>
+#include <KestoDM/graph/DmForEachCompound.h>
 #include <KestoDM/graph/DmGlobalVariable.h>
+#include <KestoDM/graph/DmIterateCompound.h>
+#include <KestoDM/graph/DmLoopingCompound.h>
 #include <KestoDM/graph/DmNamespace.h>
 #include <KestoDM/graph/DmNativeNodeDef.h>
 #include <KestoDM/graph/DmNode.h>
@@ -94,6 +97,7 @@
 #include <KestoDM/graph/DmUnknownPortDescription.h>
 #include <KestoDM/graph/DmValueNodeDef.h>
 #include <KestoDM/graph/DmWatchPoint.h>
+#include <KestoDM/graph/DmWhileCompound.h>
 
 #include <KestoDM/library/DmLibrary.h>
 
