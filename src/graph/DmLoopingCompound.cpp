@@ -51,8 +51,9 @@ void DmLoopingCompound::initialize() {
 // Ports
 
 bool DmLoopingCompound::removePortDescription(std::shared_ptr<DmPortDescription> const& port) {
-    // A port of another definition must leave this loop's links alone.
-    if (!port || isReservedPortName(port->getName()) || getPortsInterface()[port->getName()] != port) {
+    // A refusal must leave this loop's links alone: test before unlinking.
+    if (!port || isConst() || isReservedPortName(port->getName()) ||
+        getPortsInterface()[port->getName()] != port) {
         return false;
     }
     if (DmPortDescription* const inside = findSelfPortDescription(port->getName())) {

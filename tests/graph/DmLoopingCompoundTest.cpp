@@ -469,6 +469,16 @@ TYPED_TEST(DmLoopingCompoundTest, RemovingAPortOfAnotherDefinitionIsRefusedAndKe
     EXPECT_EQ(insideOf(*loop, "a")->getLinkedPort(), insideOf(*loop, "b").get());
 }
 
+TYPED_TEST(DmLoopingCompoundTest, RemovingAPortOfAConstLoopIsRefusedAndKeepsThePair) {
+    auto const loop = this->makeLoopWithPair();
+    ASSERT_TRUE(TypeParam::linkPair(*loop, "a", "b"));
+    loop->makeConst();
+    EXPECT_FALSE(loop->removePortDescription(loop->getPortsInterface()["a"]));
+    EXPECT_NE(loop->getPortsInterface()["a"], nullptr);
+    EXPECT_EQ(insideOf(*loop, "a")->getLinkedPort(), insideOf(*loop, "b").get());
+    EXPECT_EQ(insideOf(*loop, "b")->getIterationAttribute(), TypeParam::pairRole);
+}
+
 TYPED_TEST(DmLoopingCompoundTest, RemovingNullIsRefused) {
     auto const loop = this->makeLoopWithPair();
     EXPECT_FALSE(loop->removePortDescription(nullptr));
