@@ -79,6 +79,7 @@
 #include <KestoDM/graph/DmForEachCompound.h>
 #include <KestoDM/graph/DmGlobalVariable.h>
 #include <KestoDM/graph/DmIterateCompound.h>
+#include <KestoDM/graph/DmJobPort.h>
 #include <KestoDM/graph/DmLoopingCompound.h>
 #include <KestoDM/graph/DmNamespace.h>
 #include <KestoDM/graph/DmNativeNodeDef.h>
