@@ -1,0 +1,39 @@
+#include <KestoDM/graph/DmExternOperator.h>
+
+namespace Kesto {
+
+std::shared_ptr<DmExternOperator>
+DmExternOperator::createExternOperator(std::string const& name, CancellationPolicy cancellationPolicy,
+                                       std::string const& packName, DmNameResolveFlags flags) {
+    std::string resolved;
+    if (!resolveName(name, resolved, flags)) {
+        return nullptr;
+    }
+    return std::make_shared<DmExternOperator>(InternalConstructor(), std::move(resolved), cancellationPolicy,
+                                              packName);
+}
+
+DmExternOperator::DmExternOperator(InternalConstructor, std::string name,
+                                   CancellationPolicy cancellationPolicy, std::string packName)
+    : DmOverload(std::move(name), true), m_cancellationPolicy(cancellationPolicy),
+      m_packName(std::move(packName)) {}
+
+DmExternOperator::~DmExternOperator() = default;
+
+void DmExternOperator::initialize() {}
+
+bool DmExternOperator::isPromoter() const {
+    return m_isPromoter;
+}
+
+bool DmExternOperator::setPromoter(bool promoter) {
+    m_isPromoter = promoter;
+    return true;
+}
+
+DmStatus DmExternOperator::import(std::shared_ptr<DmScope> const&, DmNameResolutionType, std::string const&,
+                                  std::shared_ptr<DmNodeDef>&, ImportErrorFlags) {
+    return DmStatus::kFailure;
+}
+
+} // namespace Kesto
