@@ -75,6 +75,7 @@
 #include <KestoDM/graph/DmCollect.h>
 #include <KestoDM/graph/DmCompound.h>
 #include <KestoDM/graph/DmConnection.h>
+#include <KestoDM/graph/DmCppOperator.h>
 #include <KestoDM/graph/DmExternOperator.h>
 #include <KestoDM/graph/DmForEachCompound.h>
 #include <KestoDM/graph/DmGlobalVariable.h>
