@@ -2,6 +2,7 @@
 
 #include <KestoDM/foundation/DmMessageLogger.h>
 #include <KestoDM/graph/DmCompound.h>
+#include <KestoDM/graph/DmExternOperator.h>
 #include <KestoDM/graph/DmGlobalVariable.h>
 #include <KestoDM/graph/DmNodeDef.h>
 #include <KestoDM/graph/DmOverloadSet.h>
@@ -36,9 +37,8 @@ bool isCompound(DmOverload const& overload) noexcept {
     return dynamic_cast<DmCompound const*>(&overload) != nullptr;
 }
 
-// External operators arrive with their own class; until then no overload is one.
-bool isExternOperator(DmOverload const&) noexcept {
-    return false;
+bool isExternOperator(DmOverload const& overload) noexcept {
+    return dynamic_cast<DmExternOperator const*>(&overload) != nullptr;
 }
 
 std::string_view::size_type findSeparator(std::string const& name) noexcept {

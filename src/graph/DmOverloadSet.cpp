@@ -1,6 +1,8 @@
 #include <KestoDM/graph/DmOverloadSet.h>
 
 #include <KestoDM/foundation/DmNameUtils.h>
+#include <KestoDM/graph/DmCompound.h>
+#include <KestoDM/graph/DmExternOperator.h>
 #include <KestoDM/graph/DmOverload.h>
 #include <KestoDM/graph/DmPortDescription.h>
 #include <KestoDM/graph/DmScope.h>
@@ -16,6 +18,16 @@ namespace {
 
 bool isAuto(DmBaseType const* type) noexcept {
     return type != nullptr && type->getTypeKind() == kTypeAuto;
+}
+
+// Compiled code cannot be copied, and a compound without a URI has no source
+// that the copy could name as its origin.
+bool isImportable(DmOverload const& overload) noexcept {
+    if (dynamic_cast<DmExternOperator const*>(&overload) != nullptr) {
+        return false;
+    }
+    auto const* const compound = dynamic_cast<DmCompound const*>(&overload);
+    return compound == nullptr || compound->getURI() != nullptr;
 }
 
 } // namespace
@@ -343,6 +355,11 @@ DmStatus DmOverloadSet::import(std::shared_ptr<DmScope> const& scope, DmNameReso
                                ImportErrorFlags flags) {
     if (!scope) {
         return DmStatus::kFailure;
+    }
+    for (auto const& overload : *m_overloads) {
+        if (!isImportable(*overload)) {
+            return DmStatus::kFailure;
+        }
     }
     std::string target = name;
     if (scope->hasNodeDef(target)) {
