@@ -178,6 +178,9 @@ bool DmCompound::isReservedPortName(std::string const&) const {
 void DmCompound::getUniquePortName(std::string& name) const {
     DmNameUtils::NewNameContext context;
     context.forceRename = isReservedPortName(name);
+    if (!context.forceRename && !getPortsInterface().hasPort(name)) {
+        return;
+    }
     DmNameUtils::getNewName(getPortsInterface().begin(), getPortsInterface().end(), name, &context);
 }
 
@@ -286,6 +289,10 @@ bool DmCompound::isReservedNodeName(std::string const& name) const {
 }
 
 void DmCompound::getUniqueNodeName(std::string& name, std::string const& exception) const {
+    // A free name stays as it is: no need to gather every name to see that.
+    if ((name == exception || !m_nodes->contains(name)) && !isReservedNodeName(name)) {
+        return;
+    }
     std::vector<std::string> const reserved = reservedList(m_reservedNodeNames.get());
     DmNameUtils::NewNameContext context;
     context.reservedNames = &reserved;

@@ -203,12 +203,30 @@ void DmCompoundVisitorImport::visitConnection(DmConnection const& connection) {
 
 void DmCompoundVisitorImport::postVisit() {
     DmCompound const& source = *getSourceCompound();
-    if (auto const sourceSelf = source.getSelfNode()) {
-        auto const importedSelf = m_imported->getSelfNode();
+    auto const sourceSelf = source.getSelfNode();
+    auto const importedSelf = m_imported->getSelfNode();
+    if (sourceSelf && importedSelf) {
         for (auto const& entry : sourceSelf->getPorts()) {
-            auto const port = importedSelf ? (*importedSelf)[entry.first] : nullptr;
-            if (port) {
-                copyWatchPoint(*entry.second, *port);
+            auto const port = (*importedSelf)[entry.first];
+            if (!port) {
+                continue;
+            }
+            copyWatchPoint(*entry.second, *port);
+            // Loops pair the self node's own descriptions (state and in-out
+            // ports); the copy pairs the ports of the same names.
+            DmPortDescription const* const partner = entry.second->getPortDescription()->getLinkedPort();
+            if (partner == nullptr || port->getPortDescription()->isLinked()) {
+                continue;
+            }
+            for (auto const& other : sourceSelf->getPorts()) {
+                if (other.second->getPortDescription().get() == partner) {
+                    if (auto const counterpartPort = (*importedSelf)[other.first]) {
+                        port->getPortDescription()->link(
+                            *counterpartPort->getPortDescription(),
+                            entry.second->getPortDescription()->getIterationAttribute());
+                    }
+                    break;
+                }
             }
         }
     }

@@ -4,6 +4,7 @@
 
 #include <KestoDM/foundation/DmStatus.h>
 #include <KestoDM/graph/DmNodeDef.h>
+#include <KestoDM/platform/DmExport.h>
 
 #include <memory>
 #include <string>
@@ -18,7 +19,7 @@ class DmScope;
 /// Copies a compound, node by node, into a scope under a new name. The walk
 /// never stops early: a failing step records kFailure and the copy goes on,
 /// as complete as it can be, but only a walk without failure hands it out.
-class DmCompoundVisitorImport : public DmCompoundVisitor<DmCompoundVisitorImport> {
+class KESTODM_API DmCompoundVisitorImport : public DmCompoundVisitor<DmCompoundVisitorImport> {
 public:
     DmCompoundVisitorImport(std::shared_ptr<DmCompound const> source, std::string name,
                             std::shared_ptr<DmScope> scope, DmNodeDef::ImportErrorFlags flags);

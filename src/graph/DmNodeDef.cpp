@@ -382,6 +382,9 @@ std::shared_ptr<DmBaseValue> DmNodeDef::findUnconnectedPortValue(std::string con
 }
 
 void DmNodeDef::getUniquePortName(std::string& name) const {
+    if (!m_ports.hasPort(name)) {
+        return;
+    }
     DmNameUtils::getNewName(m_ports.begin(), m_ports.end(), name, nullptr);
 }
 

@@ -343,9 +343,11 @@ bool DmOverloadSet::setName(std::string const& name, DmNameResolutionType, DmNam
     }
     NodeDefUpdateHelper const guard(*this);
     rekeyScopeEntry(getName(), resolved);
-    // The overloads carry the name of their set.
+    // The overloads carry the name of their set, each through its own
+    // rename (a compound renames its self node too); the one that started
+    // this rename is in update and only stores it.
     for (auto const& overload : *m_overloads) {
-        overload->storeName(resolved, kNameVerbatim);
+        overload->setName(resolved, kAsOverload, kNameVerbatim);
     }
     return storeName(resolved, kNameVerbatim);
 }
