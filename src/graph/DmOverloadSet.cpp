@@ -6,9 +6,10 @@
 #include <KestoDM/graph/DmOverload.h>
 #include <KestoDM/graph/DmPortDescription.h>
 #include <KestoDM/graph/DmScope.h>
-#include <KestoDM/library/DmLibrary.h>
 #include <KestoDM/types/DmBaseType.h>
 #include <KestoDM/types/DmUninstantiableType.h>
+
+#include "types/DmTypeSingletons.h"
 
 #include <algorithm>
 
@@ -97,7 +98,7 @@ DmStatus DmOverloadSet::addOverload(std::shared_ptr<DmOverload> const& overload)
             if (!theirs) {
                 status = DmStatus::kFailure;
             } else if (theirs->getType() != mine.getType()) {
-                widened.push_back(cloneForSet(mine, DmLibrary::getAutoType()));
+                widened.push_back(cloneForSet(mine, Internal::TypeSingletons::autoType()));
             }
         }
         for (auto const& port : widened) {
@@ -193,7 +194,8 @@ void DmOverloadSet::mergePort(std::string const& name) {
         }
         return;
     }
-    std::shared_ptr<DmBaseType const> const type = agree ? first->getType() : DmLibrary::getAutoType();
+    std::shared_ptr<DmBaseType const> const type =
+        agree ? first->getType() : Internal::TypeSingletons::autoType();
     if (mine && mine->getType() == type && mine->getDirection() == first->getDirection() &&
         mine->getPortKind() == first->getPortKind()) {
         return;

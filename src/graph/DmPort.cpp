@@ -9,11 +9,12 @@
 #include <KestoDM/graph/DmOverloadSet.h>
 #include <KestoDM/graph/DmPortDescription.h>
 #include <KestoDM/graph/DmWatchPoint.h>
-#include <KestoDM/library/DmLibrary.h>
 #include <KestoDM/types/DmBaseType.h>
 #include <KestoDM/types/DmBaseValue.h>
 #include <KestoDM/types/DmStructValue.h>
 #include <KestoDM/types/DmUninstantiableType.h>
+
+#include "types/DmTypeSingletons.h"
 
 namespace Kesto {
 
@@ -280,8 +281,9 @@ DmStatus DmPort::addMultiInPortEntry(std::string const& name, std::shared_ptr<Dm
     MemberMap& entries = members();
     DmNameUtils::getNewName(entries.begin(), entries.end(), resolved, nullptr);
     // A fan-in entry takes any element; a multi-in entry takes the port's type.
-    auto const type = m_fanIn ? std::static_pointer_cast<DmBaseType const>(DmLibrary::getAutoType())
-                              : m_description->getType();
+    auto const type = m_fanIn
+                          ? std::static_pointer_cast<DmBaseType const>(Internal::TypeSingletons::autoType())
+                          : m_description->getType();
     auto const description =
         DmPortDescription::newPortDescription(resolved, type, kDirectionInput, kNameVerbatim);
     auto const entry = newPort(description, m_node, this);

@@ -3,11 +3,12 @@
 #include <KestoDM/graph/DmNodeDef.h>
 #include <KestoDM/graph/DmOverload.h>
 #include <KestoDM/graph/DmOverloadSet.h>
-#include <KestoDM/library/DmLibrary.h>
 #include <KestoDM/types/DmBaseType.h>
 #include <KestoDM/types/DmBaseValue.h>
 #include <KestoDM/types/DmStructType.h>
 #include <KestoDM/types/DmUninstantiableType.h>
+
+#include "types/DmTypeSingletons.h"
 
 #include <utility>
 
@@ -61,7 +62,7 @@ DmPortDescription::newPortDescription(DmPortDescription const& source,
 
 std::shared_ptr<DmPortDescription> DmPortDescription::newMultiInPortDescription(std::string const& name,
                                                                                 DmNameResolveFlags flags) {
-    auto port = newPortDescription(name, DmLibrary::getAutoType(), kDirectionInput, flags);
+    auto port = newPortDescription(name, Internal::TypeSingletons::autoType(), kDirectionInput, flags);
     if (port) {
         port->m_portKind = kPortMultiIn;
     }

@@ -1,7 +1,8 @@
 #include <KestoDM/graph/DmUnknownPortDescription.h>
 
-#include <KestoDM/library/DmLibrary.h>
 #include <KestoDM/types/DmUninstantiableType.h>
+
+#include "types/DmTypeSingletons.h"
 
 #include <utility>
 
@@ -33,7 +34,7 @@ DmUnknownPortDescription::newPortDescription(DmPortDescription const& source,
 
 std::shared_ptr<DmUnknownPortDescription>
 DmUnknownPortDescription::newMultiInPortDescription(std::string const& name, DmNameResolveFlags flags) {
-    auto port = newPortDescription(name, DmLibrary::getAutoType(), kDirectionInput, flags);
+    auto port = newPortDescription(name, Internal::TypeSingletons::autoType(), kDirectionInput, flags);
     if (port) {
         port->assignPortKind(kPortMultiIn);
     }

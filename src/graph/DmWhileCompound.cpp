@@ -3,8 +3,9 @@
 #include <KestoDM/foundation/DmMessageLogger.h>
 #include <KestoDM/graph/DmPort.h>
 #include <KestoDM/graph/DmPortDescription.h>
-#include <KestoDM/library/DmLibrary.h>
 #include <KestoDM/types/DmBuiltInType.h>
+
+#include "types/DmTypeSingletons.h"
 
 #include <utility>
 
@@ -35,8 +36,8 @@ void DmWhileCompound::initialize() {
     }
     // Taken as it is: a unique name would rename the reserved one.
     addPortDescription(DmPortDescription::newPortDescription(kLoopingConditionPortName,
-                                                             DmLibrary::getBoolType(), kDirectionOutput,
-                                                             kNameVerbatim),
+                                                             Internal::TypeSingletons::boolType(),
+                                                             kDirectionOutput, kNameVerbatim),
                        kAsOverload);
     DmLoopingCompound::initialize();
 }
