@@ -521,7 +521,7 @@ DmStatus DmCompound::import(std::shared_ptr<DmScope> const& scope, DmNameResolut
         if (type == kFailOnClash) {
             return DmStatus::kInvalidArgument;
         }
-        DmNameUtils::getNewName(scope->getNodeDefs().begin(), scope->getNodeDefs().end(), target, nullptr);
+        scope->getUniqueNodeDefName(target);
     }
     DmCompoundVisitorImport visitor(std::static_pointer_cast<DmCompound const>(shared_from_this()), target,
                                     scope, flags);

@@ -179,7 +179,7 @@ DmStatus DmNodeDef::setScope(DmScope* scope, DmNameResolutionType type) {
     }
     if (clash && type == kMakeUnique) {
         std::string name = getName();
-        DmNameUtils::getNewName(scope->getNodeDefs().begin(), scope->getNodeDefs().end(), name, nullptr);
+        scope->getUniqueNodeDefName(name);
         if (!setName(name, kAsOverload, kNameVerbatim)) {
             return DmStatus::kFailure;
         }
@@ -199,23 +199,26 @@ bool DmNodeDef::rekeyScopeEntry(std::string const& oldName, std::string const& n
     return m_scope != nullptr && m_scope->rekeyNodeDef(oldName, newName);
 }
 
-bool DmNodeDef::setName(std::string const& name, DmNameResolutionType type, DmNameResolveFlags flags) {
-    if (isConst() || isValueNodeDef()) {
-        return false;
-    }
-    std::string resolved;
-    if (!resolveName(name, resolved, flags)) {
-        return false;
+DmNodeDef::RenameStart DmNodeDef::beginRename(std::string const& name, DmNameResolveFlags flags,
+                                              std::string& resolved) {
+    if (isConst() || !resolveName(name, resolved, flags)) {
+        return RenameStart::kRefused;
     }
     if (isInUpdate()) {
-        return storeName(resolved, kNameVerbatim);
+        return storeName(resolved, kNameVerbatim) ? RenameStart::kStored : RenameStart::kRefused;
+    }
+    return RenameStart::kGoOn;
+}
+
+bool DmNodeDef::setName(std::string const& name, DmNameResolutionType type, DmNameResolveFlags flags) {
+    std::string resolved;
+    RenameStart const start = isValueNodeDef() ? RenameStart::kRefused : beginRename(name, flags, resolved);
+    if (start != RenameStart::kGoOn) {
+        return start == RenameStart::kStored;
     }
     if ((type == kFailOnClash || type == kMakeUnique) && m_scope != nullptr) {
         std::string unique = resolved;
-        DmNameUtils::NewNameContext context;
-        context.exception = getName();
-        DmNameUtils::getNewName(m_scope->getNodeDefs().begin(), m_scope->getNodeDefs().end(), unique,
-                                &context);
+        m_scope->getUniqueNodeDefName(unique, getName());
         if (unique != resolved) {
             if (type == kFailOnClash) {
                 return false;

@@ -311,7 +311,7 @@ DmStatus DmOverloadSet::setScope(DmScope* scope, DmNameResolutionType type) {
                 return DmStatus::kInvalidArgument;
             }
             std::string name = getName();
-            DmNameUtils::getNewName(scope->getNodeDefs().begin(), scope->getNodeDefs().end(), name, nullptr);
+            scope->getUniqueNodeDefName(name);
             if (!setName(name, kAsOverload, kNameVerbatim)) {
                 return DmStatus::kFailure;
             }
@@ -327,21 +327,13 @@ DmStatus DmOverloadSet::setScope(DmScope* scope, DmNameResolutionType type) {
 }
 
 bool DmOverloadSet::setName(std::string const& name, DmNameResolutionType, DmNameResolveFlags flags) {
-    if (isConst()) {
-        return false;
-    }
     std::string resolved;
-    if (!resolveName(name, resolved, flags)) {
-        return false;
-    }
-    if (isInUpdate()) {
-        return storeName(resolved, kNameVerbatim);
+    RenameStart const start = beginRename(name, flags, resolved);
+    if (start != RenameStart::kGoOn) {
+        return start == RenameStart::kStored;
     }
     if (getScope() != nullptr) {
-        DmNameUtils::NewNameContext context;
-        context.exception = getName();
-        DmNameUtils::getNewName(getScope()->getNodeDefs().begin(), getScope()->getNodeDefs().end(), resolved,
-                                &context);
+        getScope()->getUniqueNodeDefName(resolved, getName());
     }
     NodeDefUpdateHelper const guard(*this);
     rekeyScopeEntry(getName(), resolved);
@@ -371,8 +363,7 @@ DmStatus DmOverloadSet::import(std::shared_ptr<DmScope> const& scope, DmNameReso
             return DmStatus::kInvalidArgument;
         }
         if (type == kMakeUnique) {
-            DmNameUtils::getNewName(scope->getNodeDefs().begin(), scope->getNodeDefs().end(), target,
-                                    nullptr);
+            scope->getUniqueNodeDefName(target);
         }
     }
     DmStatus status = DmStatus::kSuccess;

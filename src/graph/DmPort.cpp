@@ -14,6 +14,7 @@
 #include <KestoDM/types/DmStructValue.h>
 #include <KestoDM/types/DmUninstantiableType.h>
 
+#include "graph/DmMemberPath.h"
 #include "types/DmTypeSingletons.h"
 
 namespace Kesto {
@@ -254,19 +255,7 @@ bool DmPort::addMember(std::shared_ptr<DmPort> const& port) {
 }
 
 bool DmPort::getMember(std::string const& path, std::shared_ptr<DmPort>& out) const {
-    if (!m_members) {
-        return false;
-    }
-    std::string::size_type const dot = path.find('.');
-    auto const found = m_members->find(std::string_view(path).substr(0, dot));
-    if (found == m_members->end()) {
-        return false;
-    }
-    if (dot == std::string::npos) {
-        out = found->second;
-        return true;
-    }
-    return found->second->getMember(path.substr(dot + 1), out);
+    return findMemberByPath(m_members.get(), path, out);
 }
 
 DmStatus DmPort::addMultiInPortEntry(std::string const& name, std::shared_ptr<DmPort>& out,

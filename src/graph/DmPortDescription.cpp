@@ -8,6 +8,7 @@
 #include <KestoDM/types/DmStructType.h>
 #include <KestoDM/types/DmUninstantiableType.h>
 
+#include "graph/DmMemberPath.h"
 #include "types/DmTypeSingletons.h"
 
 #include <utility>
@@ -180,19 +181,7 @@ DmPortDescription::MemberMap const& DmPortDescription::getMembers() {
 
 bool DmPortDescription::getMember(std::string const& path, std::shared_ptr<DmPortDescription>& out) {
     initializeMembers();
-    if (!m_members || m_members->empty()) {
-        return false;
-    }
-    std::string::size_type const dot = path.find('.');
-    auto const found = m_members->find(std::string_view(path).substr(0, dot));
-    if (found == m_members->end()) {
-        return false;
-    }
-    if (dot == std::string::npos) {
-        out = found->second;
-        return true;
-    }
-    return found->second->getMember(path.substr(dot + 1), out);
+    return findMemberByPath(m_members.get(), path, out);
 }
 
 template <class Setter>

@@ -144,6 +144,15 @@ bool DmScope::hasNodeDef(std::string const& name) const {
     return findNodeDef(name, found);
 }
 
+void DmScope::getUniqueNodeDefName(std::string& name, std::string const& exception) const {
+    if (name == exception || !m_nodeDefs->contains(name)) {
+        return;
+    }
+    DmNameUtils::NewNameContext context;
+    context.exception = exception;
+    DmNameUtils::getNewName(m_nodeDefs->begin(), m_nodeDefs->end(), name, &context);
+}
+
 bool DmScope::rekeyNodeDef(std::string const& oldName, std::string const& newName) {
     auto const found = m_nodeDefs->find(oldName);
     return found != m_nodeDefs->end() && m_nodeDefs->rekey(found, newName);

@@ -165,6 +165,11 @@ protected:
     bool removePortAndPropagate(std::shared_ptr<DmPortDescription> const& port);
     bool replacePortAndPropagate(std::shared_ptr<DmPortDescription> const& port);
 
+    /// Where every rename of a definition starts. `resolved` gets the name as
+    /// `flags` resolve it: kRefused for a const definition or a refused name,
+    /// kStored inside an update (the name is stored, nothing more to do), kGoOn otherwise.
+    enum class RenameStart { kRefused, kStored, kGoOn };
+    RenameStart beginRename(std::string const& name, DmNameResolveFlags flags, std::string& resolved);
     /// Stores the name only (the entity's own setName).
     bool storeName(std::string const& name, DmNameResolveFlags flags);
     /// Re-keys this definition's entry in its scope, in place.

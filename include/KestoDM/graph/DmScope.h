@@ -90,6 +90,9 @@ public:
     /// no overload set.
     virtual bool findNodeDef(std::string const& name, std::shared_ptr<DmOverloadSet>& out) const;
     bool hasNodeDef(std::string const& name) const;
+    /// Makes `name` unique among the definitions of this scope; the
+    /// `exception` (a definition's present name) never counts as taken.
+    void getUniqueNodeDefName(std::string& name, std::string const& exception = std::string()) const;
     /// @}
 
     /// @name Names
