@@ -84,11 +84,7 @@ std::vector<std::string> reservedList(DmCompound::ReservedNames const* names) {
 std::shared_ptr<DmCompound> DmCompound::createCompound(std::string const& name,
                                                        std::shared_ptr<DmMessageLogger> logger,
                                                        DmNameResolveFlags flags) {
-    std::string resolved;
-    if (!resolveName(name, resolved, flags)) {
-        return nullptr;
-    }
-    return std::make_shared<DmCompound>(InternalConstructor(), std::move(resolved), std::move(logger));
+    return makeNamed<DmCompound>(name, flags, InternalConstructor(), std::move(logger));
 }
 
 DmCompound::DmCompound(InternalConstructor, std::string name, std::shared_ptr<DmMessageLogger> logger)

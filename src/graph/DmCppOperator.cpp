@@ -12,12 +12,7 @@ std::shared_ptr<DmCppOperator> DmCppOperator::createCppOperator(std::string cons
                                                                 CancellationPolicy cancellationPolicy,
                                                                 std::string const& packName,
                                                                 DmNameResolveFlags flags) {
-    std::string resolved;
-    if (!resolveName(name, resolved, flags)) {
-        return nullptr;
-    }
-    return std::make_shared<DmCppOperator>(InternalConstructor(), std::move(resolved), cancellationPolicy,
-                                           packName);
+    return makeNamed<DmCppOperator>(name, flags, InternalConstructor(), cancellationPolicy, packName);
 }
 
 DmCppOperator::DmCppOperator(InternalConstructor, std::string name, CancellationPolicy cancellationPolicy,

@@ -5,12 +5,7 @@ namespace Kesto {
 std::shared_ptr<DmExternOperator>
 DmExternOperator::createExternOperator(std::string const& name, CancellationPolicy cancellationPolicy,
                                        std::string const& packName, DmNameResolveFlags flags) {
-    std::string resolved;
-    if (!resolveName(name, resolved, flags)) {
-        return nullptr;
-    }
-    return std::make_shared<DmExternOperator>(InternalConstructor(), std::move(resolved), cancellationPolicy,
-                                              packName);
+    return makeNamed<DmExternOperator>(name, flags, InternalConstructor(), cancellationPolicy, packName);
 }
 
 DmExternOperator::DmExternOperator(InternalConstructor, std::string name,

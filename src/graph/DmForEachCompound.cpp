@@ -13,11 +13,7 @@ namespace Kesto {
 std::shared_ptr<DmForEachCompound>
 DmForEachCompound::createForEachCompound(std::string const& name, std::shared_ptr<DmMessageLogger> logger,
                                          DmNameResolveFlags flags) {
-    std::string resolved;
-    if (!resolveName(name, resolved, flags)) {
-        return nullptr;
-    }
-    return std::make_shared<DmForEachCompound>(InternalConstructor(), std::move(resolved), std::move(logger));
+    return makeNamed<DmForEachCompound>(name, flags, InternalConstructor(), std::move(logger));
 }
 
 DmForEachCompound::DmForEachCompound(InternalConstructor tag, std::string name,

@@ -12,13 +12,7 @@ namespace Kesto {
 
 std::shared_ptr<DmGlobalVariable> DmGlobalVariable::createGlobalVariable(std::string const& name,
                                                                          DmNameResolveFlags flags) {
-    std::string resolved;
-    if (!resolveName(name, resolved, flags)) {
-        return nullptr;
-    }
-    // make_shared connects the shared-from-this part, through which the
-    // variable files itself in a namespace.
-    return std::make_shared<DmGlobalVariable>(InternalConstructor(), std::move(resolved));
+    return makeNamed<DmGlobalVariable>(name, flags, InternalConstructor());
 }
 
 DmGlobalVariable::DmGlobalVariable(InternalConstructor, std::string name)

@@ -13,11 +13,7 @@ namespace Kesto {
 std::shared_ptr<DmIterateCompound>
 DmIterateCompound::createIterateCompound(std::string const& name, std::shared_ptr<DmMessageLogger> logger,
                                          DmNameResolveFlags flags) {
-    std::string resolved;
-    if (!resolveName(name, resolved, flags)) {
-        return nullptr;
-    }
-    return std::make_shared<DmIterateCompound>(InternalConstructor(), std::move(resolved), std::move(logger));
+    return makeNamed<DmIterateCompound>(name, flags, InternalConstructor(), std::move(logger));
 }
 
 DmIterateCompound::DmIterateCompound(InternalConstructor tag, std::string name,

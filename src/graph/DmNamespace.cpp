@@ -57,13 +57,7 @@ std::string restAfter(std::string const& name, std::string_view::size_type separ
 std::shared_ptr<DmNamespace> DmNamespace::createNamespace(std::string const& name,
                                                           std::shared_ptr<DmMessageLogger> logger,
                                                           DmNameResolveFlags flags) {
-    std::string resolved;
-    if (!resolveName(name, resolved, flags)) {
-        return nullptr;
-    }
-    // make_shared connects the shared-from-this part, through which the
-    // namespace hands itself to its parent and to fetchNamespace's callers.
-    return std::make_shared<DmNamespace>(InternalConstructor(), std::move(resolved), std::move(logger));
+    return makeNamed<DmNamespace>(name, flags, InternalConstructor(), std::move(logger));
 }
 
 DmNamespace::DmNamespace(InternalConstructor, std::string name, std::shared_ptr<DmMessageLogger> logger)

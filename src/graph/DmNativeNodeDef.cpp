@@ -4,11 +4,7 @@ namespace Kesto {
 
 std::shared_ptr<DmNativeNodeDef> DmNativeNodeDef::newNativeNodeDef(std::string const& name, NativeKind kind,
                                                                    DmNameResolveFlags flags) {
-    std::string resolved;
-    if (!resolveName(name, resolved, flags)) {
-        return nullptr;
-    }
-    return std::make_shared<DmNativeNodeDef>(InternalConstructor(), std::move(resolved), kind);
+    return makeNamed<DmNativeNodeDef>(name, flags, InternalConstructor(), kind);
 }
 
 DmNativeNodeDef::DmNativeNodeDef(InternalConstructor, std::string name, NativeKind kind)

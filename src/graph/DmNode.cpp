@@ -42,11 +42,10 @@ std::shared_ptr<DmPort> sharedPort(DmPort const* port) {
 
 std::shared_ptr<DmNode> DmNode::createNode(std::string const& name, std::shared_ptr<DmNodeDef> const& def,
                                            bool invertDirections, DmNameResolveFlags flags) {
-    std::string resolved;
-    if (!resolveName(name, resolved, flags)) {
+    auto node = makeNamed<DmNode>(name, flags, InternalConstructor(), def);
+    if (!node) {
         return nullptr;
     }
-    auto node = std::make_shared<DmNode>(InternalConstructor(), std::move(resolved), def);
     node->initialize(invertDirections);
     if (def) {
         def->registerNode(node.get());

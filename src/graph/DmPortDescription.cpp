@@ -41,12 +41,7 @@ DmPortDescription const* topmost(DmPortDescription const* port) noexcept {
 std::shared_ptr<DmPortDescription>
 DmPortDescription::newPortDescription(std::string const& name, std::shared_ptr<DmBaseType const> type,
                                       PortDirection direction, DmNameResolveFlags flags) {
-    std::string resolved;
-    if (!resolveName(name, resolved, flags)) {
-        return nullptr;
-    }
-    return std::make_shared<DmPortDescription>(InternalConstructor(), std::move(resolved), std::move(type),
-                                               direction);
+    return makeNamed<DmPortDescription>(name, flags, InternalConstructor(), std::move(type), direction);
 }
 
 std::shared_ptr<DmPortDescription> DmPortDescription::newPortDescription(DmPortDescription const& source) {

@@ -4,11 +4,7 @@ namespace Kesto {
 
 std::shared_ptr<DmTerminalNodeDef> DmTerminalNodeDef::createTerminalNodeDef(std::string const& name,
                                                                             DmNameResolveFlags flags) {
-    std::string resolved;
-    if (!resolveName(name, resolved, flags)) {
-        return nullptr;
-    }
-    return std::make_shared<DmTerminalNodeDef>(InternalConstructor(), std::move(resolved));
+    return makeNamed<DmTerminalNodeDef>(name, flags, InternalConstructor());
 }
 
 DmTerminalNodeDef::DmTerminalNodeDef(InternalConstructor, std::string name)

@@ -4,11 +4,7 @@ namespace Kesto {
 
 std::shared_ptr<DmUnknownNodeDef> DmUnknownNodeDef::newUnknownNodeDef(std::string const& name,
                                                                       DmNameResolveFlags flags) {
-    std::string resolved;
-    if (!resolveName(name, resolved, flags)) {
-        return nullptr;
-    }
-    return std::make_shared<DmUnknownNodeDef>(InternalConstructor(), std::move(resolved));
+    return makeNamed<DmUnknownNodeDef>(name, flags, InternalConstructor());
 }
 
 DmUnknownNodeDef::DmUnknownNodeDef(InternalConstructor, std::string name)

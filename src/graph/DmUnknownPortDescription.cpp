@@ -11,12 +11,8 @@ namespace Kesto {
 std::shared_ptr<DmUnknownPortDescription>
 DmUnknownPortDescription::newPortDescription(std::string const& name, std::shared_ptr<DmBaseType const> type,
                                              PortDirection direction, DmNameResolveFlags flags) {
-    std::string resolved;
-    if (!resolveName(name, resolved, flags)) {
-        return nullptr;
-    }
-    return std::make_shared<DmUnknownPortDescription>(InternalConstructor(), std::move(resolved),
-                                                      std::move(type), direction);
+    return makeNamed<DmUnknownPortDescription>(name, flags, InternalConstructor(), std::move(type),
+                                               direction);
 }
 
 std::shared_ptr<DmUnknownPortDescription>

@@ -17,11 +17,7 @@ namespace Kesto {
 std::shared_ptr<DmWhileCompound> DmWhileCompound::createWhileCompound(std::string const& name,
                                                                       std::shared_ptr<DmMessageLogger> logger,
                                                                       DmNameResolveFlags flags) {
-    std::string resolved;
-    if (!resolveName(name, resolved, flags)) {
-        return nullptr;
-    }
-    return std::make_shared<DmWhileCompound>(InternalConstructor(), std::move(resolved), std::move(logger));
+    return makeNamed<DmWhileCompound>(name, flags, InternalConstructor(), std::move(logger));
 }
 
 DmWhileCompound::DmWhileCompound(InternalConstructor tag, std::string name,

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace Kesto {
 
@@ -67,6 +68,19 @@ protected:
 
     /// Turns a proposed name into the stored form; false (out untouched) when refused.
     static bool resolveName(std::string const& in, std::string& out, DmNameResolveFlags flags);
+    /// What every factory of a named class does: a new `T` under the name as
+    /// `flags` resolve it, or null when they refuse it. `T` is made from
+    /// `tag`, the resolved name, then `args`, by make_shared, which connects
+    /// the shared-from-this part through which entities hand themselves out.
+    template <class T, class Tag, class... Args>
+    static std::shared_ptr<T> makeNamed(std::string const& name, DmNameResolveFlags flags, Tag tag,
+                                        Args&&... args) {
+        std::string resolved;
+        if (!resolveName(name, resolved, flags)) {
+            return nullptr;
+        }
+        return std::make_shared<T>(tag, std::move(resolved), std::forward<Args>(args)...);
+    }
 
     void setInUpdate(bool inUpdate) noexcept { m_inUpdate = inUpdate; }
 
