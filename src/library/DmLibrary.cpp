@@ -15,8 +15,10 @@
 #include <KestoDM/foundation/DmMessageReport.h>
 #include <KestoDM/foundation/DmNameUtils.h>
 #include <KestoDM/foundation/DmOSUtils.h>
+#include <KestoDM/graph/DmCompound.h>
 #include <KestoDM/graph/DmGlobalVariable.h>
 #include <KestoDM/graph/DmNodeDef.h>
+#include <KestoDM/graph/DmSelector.h>
 #include <KestoDM/platform/BaContext.h>
 #include <KestoDM/types/DmArrayType.h>
 #include <KestoDM/types/DmBaseType.h>
@@ -382,8 +384,19 @@ DmLibrary::NodeDefMap DmLibrary::getNodeDefs() const {
 }
 
 DmLibrary::CompoundMap DmLibrary::getCompounds() const {
-    // What collect with kCollectCompounds gathers; nothing until compounds exist.
-    return CompoundMap();
+    struct AcceptAll : DmSelector {
+        bool select(std::shared_ptr<DmNamedEntity> const&) const override { return true; }
+    };
+    DmCollectList list;
+    collect(list, AcceptAll(), kCollectCompounds, kCollectNested);
+    CompoundMap compounds;
+    for (auto const& entity : list) {
+        // The overloads of one set share its full name: the first stays.
+        std::string fullName;
+        entity->resolveFullName(fullName);
+        compounds.insert(std::move(fullName), std::static_pointer_cast<DmCompound>(entity));
+    }
+    return compounds;
 }
 
 DmLibrary::ConstNamespaceMap DmLibrary::getConstNamespaces() const {
