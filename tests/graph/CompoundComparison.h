@@ -5,7 +5,7 @@
 // difference is reported with the path at which it was found, for example
 // "graph.nodes[add].ports[first].members[e0].watchPoint".
 
-#include "graph/GraphTestSupport.h"
+#include "graph/CompoundTestSupport.h"
 
 #include <KestoDM/graph/DmCompound.h>
 #include <KestoDM/graph/DmConnection.h>
@@ -103,17 +103,6 @@ inline std::string describeWatchPoint(Kesto::DmWatchPoint const* watch) {
         out += " " + parameter.first + "=" + parameter.second;
     }
     return out;
-}
-
-/// The path of a port inside its compound as connections name it: "node.port",
-/// ".port" on the self node, with entries and members behind their parent.
-inline std::string portPath(Kesto::DmPort const& port) {
-    if (port.getParent() != nullptr) {
-        return portPath(*port.getParent()) + "." + port.getName();
-    }
-    Kesto::DmNode const* const node = port.getNode();
-    std::string const nodeName = node != nullptr && !node->isSelfNode() ? node->getName() : std::string();
-    return nodeName + "." + port.getName();
 }
 
 /// Walks an expected compound and an actual one side by side. `differences`
@@ -322,15 +311,6 @@ private:
                 comparePort(path + ".ports[" + port.first + "]", *port.second, *other);
             }
         }
-    }
-
-    static std::vector<std::string> connectionsOf(Kesto::DmCompound const& compound) {
-        std::vector<std::string> out;
-        for (auto const& connection : compound.getConnections()) {
-            out.push_back(portPath(*connection->getSourcePort()) + " -> " +
-                          portPath(*connection->getTargetPort()));
-        }
-        return out;
     }
 
     void compareConnections(std::string const& path, Kesto::DmCompound const& expected,

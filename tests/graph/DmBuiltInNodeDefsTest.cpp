@@ -33,14 +33,9 @@ using KestoTest::makeNamespace;
 using KestoTest::makeStruct;
 using KestoTest::output;
 using KestoTest::portNames;
+using KestoTest::setOf;
 
 namespace {
-
-std::shared_ptr<DmOverloadSet> setOf(DmScope const& scope, std::string const& name) {
-    std::shared_ptr<DmOverloadSet> set;
-    scope.findNodeDef(name, set);
-    return set;
-}
 
 class DmNativeNodeDefTest : public KestoTest::ModelTest {};
 class DmValueNodeDefTest : public KestoTest::ModelTest {};

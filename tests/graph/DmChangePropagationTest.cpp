@@ -42,10 +42,7 @@ struct Population {
     std::vector<std::shared_ptr<DmNode>> nodes;
 
     explicit Population(int nodeCount = kNodeCount, std::string const& name = "op")
-        : def(DmNativeNodeDef::newNativeNodeDef(name, DmNativeNodeDef::kPass)) {
-        def->addPortDescription(input("a", DmLibrary::getIntType()), kFailOnClash);
-        def->addPortDescription(input("b", DmLibrary::getIntType()), kFailOnClash);
-        def->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
+        : def(KestoTest::makeThreePortDef(name)) {
         nodes.reserve(static_cast<std::size_t>(nodeCount));
         for (int i = 0; i < nodeCount; ++i) {
             nodes.push_back(DmNode::createNode("n" + std::to_string(i), def));
@@ -313,18 +310,10 @@ TEST_F(DmChangePropagationTest, RefusedReorderReachesNoNode) {
 
 /// "add" with the associative inputs a and b and the output out, and `nodeCount` nodes.
 struct AssociativePopulation {
-    std::shared_ptr<DmNativeNodeDef> def = DmNativeNodeDef::newNativeNodeDef("add", DmNativeNodeDef::kPass);
+    std::shared_ptr<DmNativeNodeDef> def = KestoTest::makeAssociativeDef();
     std::vector<std::shared_ptr<DmNode>> nodes;
 
     explicit AssociativePopulation(int nodeCount) {
-        def->setAssociativity(DmNodeDef::kLeftToRight);
-        auto a = input("a", DmLibrary::getIntType());
-        auto b = input("b", DmLibrary::getIntType());
-        def->addPortDescription(a, kFailOnClash);
-        def->addPortDescription(b, kFailOnClash);
-        def->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
-        a->setAssociative(true);
-        b->setAssociative(true);
         for (int i = 0; i < nodeCount; ++i) {
             nodes.push_back(DmNode::createNode("n" + std::to_string(i), def));
         }

@@ -15,6 +15,7 @@
 #include <KestoDM/platform/BaContext.h>
 
 #include "graph/OperatorTestSupport.h"
+#include "library/LibraryTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -28,35 +29,16 @@ using KestoTest::input;
 using KestoTest::makeLogger;
 using KestoTest::makeNamespace;
 using KestoTest::makeStruct;
+using KestoTest::makeURI;
 using KestoTest::namesOf;
 using KestoTest::output;
 using KestoTest::RefuseName;
+using KestoTest::setOf;
+using KestoTest::UserDef;
 
 namespace {
 
 using Names = std::vector<std::string>;
-
-/// A definition written by a host, neither compound nor operator. Its import
-/// counts the calls.
-class UserDef : public DmOverload {
-public:
-    explicit UserDef(std::string name) : DmOverload(std::move(name), true) {}
-
-    static std::shared_ptr<UserDef> make(std::string name) {
-        return std::make_shared<UserDef>(std::move(name));
-    }
-
-    DmStatus import(std::shared_ptr<DmScope> const&, DmNameResolutionType, std::string const&,
-                    std::shared_ptr<DmNodeDef>&, ImportErrorFlags) override {
-        ++m_imports;
-        return DmStatus::kSuccess;
-    }
-
-    int imports() const { return m_imports; }
-
-private:
-    int m_imports = 0;
-};
 
 /// A compound whose import counts the calls instead of copying, so that the
 /// tests see whether an overload set lets it through.
@@ -107,21 +89,11 @@ std::shared_ptr<DmCompound> makeCompound(std::string const& name) {
     return compound;
 }
 
-std::shared_ptr<DmURI> makeURI(std::string const& path = "/graphs/source.json") {
-    return std::make_shared<DmFileURI>(path, "");
-}
-
 /// Places `def` in `ns` (joining the set of its name) and expects success.
 template <class Def>
 std::shared_ptr<Def> place(std::shared_ptr<Def> def, DmNamespace& ns) {
     EXPECT_EQ(def->setScope(&ns, kAsOverload), DmStatus::kSuccess) << def->getName();
     return def;
-}
-
-std::shared_ptr<DmOverloadSet> setOf(DmScope const& scope, std::string const& name) {
-    std::shared_ptr<DmOverloadSet> set;
-    scope.findNodeDef(name, set);
-    return set;
 }
 
 DmCollectList collectFrom(DmNamespace const& ns, DmCollectMask mask, DmCollectFlags flags = DmCollectFlags{},
@@ -260,8 +232,7 @@ TEST_F(DmCollectOperatorsTest, AppendsToTheTailOfTheList) {
 }
 
 TEST_F(DmCollectOperatorsTest, ALibraryGivesTheOperatorsOfAllItsNamespacesAndNoBuiltInDefinition) {
-    auto const library =
-        DmLibrary::newLibrary(std::make_shared<BaContext>(), nullptr, DmExternOperator::kSafe);
+    auto const library = KestoTest::makeLibrary();
     ASSERT_NE(library, nullptr);
     auto const& global = library->getGlobalNamespace();
     auto const native = DmNativeNodeDef::newNativeNodeDef("pass", DmNativeNodeDef::kPass);
@@ -305,8 +276,8 @@ TEST_F(DmOverloadSetImportTest, AnOperatorAnywhereInTheSetStopsTheImportBeforeAn
     auto const later = place(UserDef::make("add"), *source);
     std::shared_ptr<DmNodeDef> out;
     EXPECT_EQ(setOf(*source, "add")->import(target, kFailOnClash, "add", out, 0), DmStatus::kFailure);
-    EXPECT_EQ(user->imports(), 0);
-    EXPECT_EQ(later->imports(), 0);
+    EXPECT_EQ(user->imports().size(), 0u);
+    EXPECT_EQ(later->imports().size(), 0u);
     EXPECT_EQ(out, nullptr);
 }
 
@@ -346,14 +317,14 @@ TEST_F(DmOverloadSetImportTest, ACompoundWithoutAURIStopsTheOtherOverloadsToo) {
     place(CountingCompound::make("graph"), *source);
     std::shared_ptr<DmNodeDef> out;
     EXPECT_EQ(setOf(*source, "graph")->import(target, kFailOnClash, "graph", out, 0), DmStatus::kFailure);
-    EXPECT_EQ(user->imports(), 0);
+    EXPECT_EQ(user->imports().size(), 0u);
 }
 
 TEST_F(DmOverloadSetImportTest, ASetHoldingACompoundWithAURIIsImported) {
     auto const source = makeNamespace("source");
     auto const target = makeNamespace("target");
     auto const compound = CountingCompound::make("graph");
-    compound->setURI(makeURI());
+    compound->setURI(makeURI("/graphs/source.json"));
     place(compound, *source);
     std::shared_ptr<DmNodeDef> out;
     EXPECT_EQ(setOf(*source, "graph")->import(target, kFailOnClash, "graph", out, 0), DmStatus::kSuccess);
@@ -364,7 +335,7 @@ TEST_F(DmOverloadSetImportTest, ASetOfCompoundsIsImportedOnlyWhenEachHasAURI) {
     auto const source = makeNamespace("source");
     auto const target = makeNamespace("target");
     auto const withURI = CountingCompound::make("graph");
-    withURI->setURI(makeURI());
+    withURI->setURI(makeURI("/graphs/source.json"));
     place(withURI, *source);
     auto const withoutURI = place(CountingCompound::make("graph"), *source);
     std::shared_ptr<DmNodeDef> out;
@@ -383,5 +354,5 @@ TEST_F(DmOverloadSetImportTest, ASetOfPlainDefinitionsIsStillImported) {
     auto const user = place(UserDef::make("add"), *source);
     std::shared_ptr<DmNodeDef> out;
     EXPECT_EQ(setOf(*source, "add")->import(target, kFailOnClash, "add", out, 0), DmStatus::kSuccess);
-    EXPECT_EQ(user->imports(), 1);
+    EXPECT_EQ(user->imports().size(), 1u);
 }

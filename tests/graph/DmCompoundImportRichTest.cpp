@@ -6,7 +6,8 @@
 // another namespace, must equal the source part for part and share nothing
 // with it; the source must stay as it was, whatever is done to the copy.
 #include "graph/CompoundComparison.h"
-#include "graph/ModelTestSupport.h"
+#include "graph/CompoundTestSupport.h"
+#include "library/LibraryTestSupport.h"
 
 #include <KestoDM/assets/DmFileURI.h>
 #include <KestoDM/assets/DmURI.h>
@@ -41,20 +42,20 @@
 namespace {
 
 using namespace Kesto;
+using KestoTest::addNode;
 using KestoTest::equalCompounds;
+using KestoTest::expectConnected;
 using KestoTest::fullName;
 using KestoTest::independentCompounds;
 using KestoTest::input;
+using KestoTest::intValue;
+using KestoTest::makeLibrary;
+using KestoTest::makeURI;
 using KestoTest::output;
 using KestoTest::portPath;
+using KestoTest::selfPort;
 
 using Names = std::vector<std::string>;
-
-std::shared_ptr<DmIntValue> intValue(int data) {
-    auto value = std::make_shared<DmIntValue>();
-    value->setData(data);
-    return value;
-}
 
 void setInt(std::shared_ptr<DmBaseValue> const& value, int data) {
     auto const typed = std::dynamic_pointer_cast<DmIntValue>(value);
@@ -86,16 +87,13 @@ std::shared_ptr<DmMetadataItem> firstItem(DmEntity const& entity, std::string co
 }
 
 /// Counts compounds, connections, scopes and watch points as well.
-class DmCompoundImportRichTest : public KestoTest::ModelTest {
+class DmCompoundImportRichTest : public KestoTest::CompoundTest {
 protected:
     void SetUp() override {
-        ModelTest::SetUp();
-        m_compounds = count<DmCompound>();
-        m_connections = count<DmConnection>();
-        m_scopes = count<DmScope>();
-        m_watchPoints = count<DmWatchPoint>();
+        CompoundTest::SetUp();
+        expectBackAtEnd<DmWatchPoint>("watch points");
 
-        m_library = DmLibrary::newLibrary(std::make_shared<BaContext>(), nullptr, DmExternOperator::kSafe);
+        m_library = makeLibrary();
         auto const& global = m_library->getGlobalNamespace();
         m_ops = global->fetchNamespace("ops");
         m_lib = global->fetchNamespace("lib");
@@ -103,21 +101,10 @@ protected:
         m_ref = global->fetchNamespace("ref");
         m_point = KestoTest::makeStruct("Point", "x");
 
-        m_op = native("op", DmNativeNodeDef::kPass);
-        m_op->addPortDescription(input("in", DmLibrary::getIntType()), kFailOnClash);
-        m_op->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
+        m_op = own(KestoTest::makeOp("op"));
+        m_add = own(KestoTest::makeAssociativeDef("a", "b", "out", DmNativeNodeDef::kBuildArray));
 
-        m_add = native("add", DmNativeNodeDef::kBuildArray);
-        ASSERT_TRUE(m_add->setAssociativity(DmNodeDef::kLeftToRight));
-        auto a = input("a", DmLibrary::getIntType());
-        auto b = input("b", DmLibrary::getIntType());
-        m_add->addPortDescription(a, kFailOnClash);
-        m_add->addPortDescription(b, kFailOnClash);
-        m_add->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
-        ASSERT_EQ(a->setAssociative(true), DmStatus::kSuccess);
-        ASSERT_EQ(b->setAssociative(true), DmStatus::kSuccess);
-
-        m_draw = native("draw", DmNativeNodeDef::kPass);
+        m_draw = own(DmNativeNodeDef::newNativeNodeDef("draw", DmNativeNodeDef::kPass));
         m_draw->addPortDescription(input("p", m_point), kFailOnClash);
         m_draw->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
 
@@ -125,7 +112,7 @@ protected:
         m_terminal->addPortDescription(input("value", DmLibrary::getIntType()), kFailOnClash);
         ASSERT_EQ(m_terminal->setScope(m_ops.get(), kFailOnClash), DmStatus::kSuccess);
 
-        m_uri = std::make_shared<DmFileURI>("/library/graphs/rich.json", "");
+        m_uri = makeURI("/library/graphs/rich.json");
         m_source = buildRich(*m_lib);
         m_source->setURI(m_uri);
         m_reference = buildRich(*m_ref);
@@ -145,17 +132,13 @@ protected:
         m_lib.reset();
         m_ops.reset();
         m_library.reset();
-        EXPECT_EQ(count<DmCompound>(), m_compounds) << "compounds left alive";
-        EXPECT_EQ(count<DmConnection>(), m_connections) << "connections left alive";
-        EXPECT_EQ(count<DmScope>(), m_scopes) << "scopes left alive";
-        EXPECT_EQ(count<DmWatchPoint>(), m_watchPoints) << "watch points left alive";
-        ModelTest::TearDown();
+        CompoundTest::TearDown();
     }
 
-    std::shared_ptr<DmNativeNodeDef> native(std::string const& name, DmNativeNodeDef::NativeKind kind) {
-        auto def = DmNativeNodeDef::newNativeNodeDef(name, kind);
+    /// `def`, of the library, placed in "ops".
+    std::shared_ptr<DmNativeNodeDef> own(std::shared_ptr<DmNativeNodeDef> def) {
         def->setLibrary(m_library.get());
-        EXPECT_EQ(def->setScope(m_ops.get(), kFailOnClash), DmStatus::kSuccess);
+        EXPECT_EQ(def->setScope(m_ops.get(), kFailOnClash), DmStatus::kSuccess) << def->getName();
         return def;
     }
 
@@ -165,26 +148,6 @@ protected:
         made->setLibrary(m_library.get());
         EXPECT_EQ(made->setScope(&scope, kFailOnClash), DmStatus::kSuccess) << name;
         return made;
-    }
-
-    static std::shared_ptr<DmNode> node(DmCompound& owner, std::string const& name,
-                                        std::shared_ptr<DmNodeDef> const& def) {
-        auto made = DmNode::createNode(name, def);
-        EXPECT_EQ(owner.addNode(made, kFailOnClash), DmStatus::kSuccess) << name;
-        return made;
-    }
-
-    static void connect(DmCompound& owner, std::shared_ptr<DmPort> const& source,
-                        std::shared_ptr<DmPort> const& target) {
-        ASSERT_NE(source, nullptr);
-        ASSERT_NE(target, nullptr);
-        std::shared_ptr<DmConnection> made;
-        EXPECT_EQ(owner.makeConnection(source, target, made), DmStatus::kSuccess)
-            << portPath(*source) << " -> " << portPath(*target);
-    }
-
-    static std::shared_ptr<DmPort> self(DmCompound const& owner, std::string const& name) {
-        return (*owner.getSelfNode())[name];
     }
 
     static std::shared_ptr<DmPort> at(std::shared_ptr<DmNode> const& owner, std::string const& name) {
@@ -207,9 +170,9 @@ protected:
         annotate(*deep, "deep");
         deep->addPortDescription(input("q", DmLibrary::getIntType()), kFailOnClash);
         deep->addPortDescription(output("o", DmLibrary::getIntType()), kFailOnClash);
-        auto const step = node(*deep, "step", m_op);
-        connect(*deep, self(*deep, "q"), at(step, "in"));
-        connect(*deep, at(step, "out"), self(*deep, "o"));
+        auto const step = addNode(*deep, "step", m_op);
+        expectConnected(*deep, selfPort(*deep, "q"), at(step, "in"));
+        expectConnected(*deep, at(step, "out"), selfPort(*deep, "o"));
         return deep;
     }
 
@@ -223,14 +186,14 @@ protected:
         inner->addPortDescription(v, kFailOnClash);
         inner->addPortDescription(output("w", DmLibrary::getIntType()), kFailOnClash);
         auto const deep = buildDeep(*inner);
-        auto const core = node(*inner, "core", m_op);
-        auto const below = node(*inner, "below", deep);
+        auto const core = addNode(*inner, "core", m_op);
+        auto const below = addNode(*inner, "below", deep);
         annotate(*core, "core");
         EXPECT_TRUE(at(core, "in")->setDefaultValue(intValue(21)));
-        connect(*inner, self(*inner, "v"), at(below, "q"));
-        connect(*inner, at(below, "o"), at(core, "in"));
-        connect(*inner, at(core, "out"), self(*inner, "w"));
-        watch(self(*inner, "w"), true, {{"probe", "inner"}});
+        expectConnected(*inner, selfPort(*inner, "v"), at(below, "q"));
+        expectConnected(*inner, at(below, "o"), at(core, "in"));
+        expectConnected(*inner, at(core, "out"), selfPort(*inner, "w"));
+        watch(selfPort(*inner, "w"), true, {{"probe", "inner"}});
         return inner;
     }
 
@@ -273,13 +236,13 @@ protected:
         auto const inner = buildInner(*rich);
 
         // The nodes.
-        auto const n1 = node(*rich, "n1", m_op);
+        auto const n1 = addNode(*rich, "n1", m_op);
         annotate(*n1, "n1");
         EXPECT_TRUE(at(n1, "in")->setDefaultValue(intValue(5)));
         annotate(*at(n1, "in"), "n1.in");
-        auto const useInner = node(*rich, "useInner", inner);
+        auto const useInner = addNode(*rich, "useInner", inner);
         EXPECT_TRUE(at(useInner, "v")->setDefaultValue(intValue(6)));
-        auto const sum = node(*rich, "sum", m_add);
+        auto const sum = addNode(*rich, "sum", m_add);
         annotate(*sum, "sum");
         std::shared_ptr<DmPort> e;
         std::shared_ptr<DmPort> e1;
@@ -289,38 +252,38 @@ protected:
         EXPECT_EQ(sum->addMultiInPortEntry("f", f), DmStatus::kSuccess);
         annotate(*e1, "sum.a.e1");
         watch(f, true, {{"rate", "10"}, {"format", "hex"}});
-        auto const d = node(*rich, "d", m_draw);
+        auto const d = addNode(*rich, "d", m_draw);
         auto const px = member(at(d, "p"), "x");
         EXPECT_TRUE(px->setDefaultValue(intValue(11)));
         annotate(*px, "d.p.x");
         watch(px, false, {{"when", "changed"}});
-        auto const gather = node(*rich, "gather", m_op);
-        auto const n2 = node(*rich, "n2", m_op);
+        auto const gather = addNode(*rich, "gather", m_op);
+        auto const n2 = addNode(*rich, "n2", m_op);
         watch(at(n2, "out"), true, {{"label", "n2 out"}});
         annotate(*at(n2, "out"), "n2.out");
 
         // The connections: through entries, members and the self node.
-        connect(*rich, self(*rich, "a"), at(n1, "in"));
-        connect(*rich, at(n1, "out"), at(useInner, "v"));
-        connect(*rich, at(useInner, "w"), e);
-        connect(*rich, member(self(*rich, "s"), "x"), e1);
-        connect(*rich, at(n1, "out"), f);
-        connect(*rich, at(sum, "out"), px);
-        connect(*rich, at(d, "out"), at(gather, "in"));
+        expectConnected(*rich, selfPort(*rich, "a"), at(n1, "in"));
+        expectConnected(*rich, at(n1, "out"), at(useInner, "v"));
+        expectConnected(*rich, at(useInner, "w"), e);
+        expectConnected(*rich, member(selfPort(*rich, "s"), "x"), e1);
+        expectConnected(*rich, at(n1, "out"), f);
+        expectConnected(*rich, at(sum, "out"), px);
+        expectConnected(*rich, at(d, "out"), at(gather, "in"));
         // The connection of gather.in moves to its entry "element_0".
         EXPECT_EQ(at(gather, "in")->setFanIn(true), DmStatus::kSuccess);
         std::shared_ptr<DmPort> late;
         EXPECT_EQ(at(gather, "in")->addMultiInPortEntry("late", late), DmStatus::kSuccess);
         annotate(*late, "gather.in.late");
-        connect(*rich, at(n2, "out"), late);
-        connect(*rich, at(gather, "out"), self(*rich, "r"));
-        connect(*rich, self(*rich, "a"), self(*rich, "pass"));
-        connect(*rich, self(*rich, "prev"), at(n2, "in"));
-        connect(*rich, at(n2, "out"), self(*rich, "next"));
+        expectConnected(*rich, at(n2, "out"), late);
+        expectConnected(*rich, at(gather, "out"), selfPort(*rich, "r"));
+        expectConnected(*rich, selfPort(*rich, "a"), selfPort(*rich, "pass"));
+        expectConnected(*rich, selfPort(*rich, "prev"), at(n2, "in"));
+        expectConnected(*rich, at(n2, "out"), selfPort(*rich, "next"));
 
         // Watch points on the compound's own ports.
-        watch(self(*rich, "r"), true, {{"label", "result"}, {"history", "16"}});
-        watch(self(*rich, "a"), false, {});
+        watch(selfPort(*rich, "r"), true, {{"label", "result"}, {"history", "16"}});
+        watch(selfPort(*rich, "a"), false, {});
         return rich;
     }
 
@@ -352,12 +315,6 @@ protected:
     std::shared_ptr<DmURI> m_uri;
     std::shared_ptr<DmCompound> m_source;
     std::shared_ptr<DmCompound> m_reference;
-
-private:
-    unsigned int m_compounds = 0;
-    unsigned int m_connections = 0;
-    unsigned int m_scopes = 0;
-    unsigned int m_watchPoints = 0;
 };
 
 TEST_F(DmCompoundImportRichTest, TheSourceIsBuiltAsIntended) {
@@ -465,8 +422,8 @@ TEST_F(DmCompoundImportRichTest, EditingTheCopyLeavesTheSourceAlone) {
     ASSERT_NE(n2Watch, nullptr);
     n2Watch->enable(false);
     n2Watch->setParameter("label", "changed");
-    self(*copy, "r")->getWatchPoint()->setParameter("history", "32");
-    EXPECT_EQ(self(*copy, "a")->removeWatchPoint(), DmStatus::kSuccess);
+    selfPort(*copy, "r")->getWatchPoint()->setParameter("history", "32");
+    EXPECT_EQ(selfPort(*copy, "a")->removeWatchPoint(), DmStatus::kSuccess);
     at(copy->findNode("n1"), "out")->setWatchPoint()->enable(true);
 
     // Entries, nodes, connections, ports, links, terminal states.
@@ -474,10 +431,10 @@ TEST_F(DmCompoundImportRichTest, EditingTheCopyLeavesTheSourceAlone) {
     EXPECT_EQ(copy->findNode("sum")->addMultiInPortEntry("g", entry), DmStatus::kSuccess);
     EXPECT_EQ(at(copy->findNode("gather"), "in")->addMultiInPortEntry("more", entry), DmStatus::kSuccess);
     std::shared_ptr<DmConnection> made;
-    EXPECT_EQ(copy->breakConnection(self(*copy, "a"), self(*copy, "pass")), DmStatus::kSuccess);
+    EXPECT_EQ(copy->breakConnection(selfPort(*copy, "a"), selfPort(*copy, "pass")), DmStatus::kSuccess);
     EXPECT_EQ(copy->removeNode(copy->findNode("n2")), DmStatus::kSuccess);
     EXPECT_EQ(copy->addNode(DmNode::createNode("added", m_op), kFailOnClash), DmStatus::kSuccess);
-    EXPECT_EQ(copy->makeConnection(self(*copy, "a"), at(copy->findNode("added"), "in"), made),
+    EXPECT_EQ(copy->makeConnection(selfPort(*copy, "a"), at(copy->findNode("added"), "in"), made),
               DmStatus::kSuccess);
     EXPECT_TRUE(copy->getPortsInterface()["prev"]->unlink());
     EXPECT_TRUE(copy->renamePortDescription("r", "result"));
@@ -512,7 +469,7 @@ TEST_F(DmCompoundImportRichTest, EditingTheSourceLeavesTheCopyAlone) {
     EXPECT_EQ(m_source->removeNode(m_source->findNode("gather")), DmStatus::kSuccess);
     auto const inner = nested(*m_source, "inner");
     EXPECT_TRUE(inner->renamePortDescription("w", "out"));
-    self(*inner, "out")->getWatchPoint()->enable(false);
+    selfPort(*inner, "out")->getWatchPoint()->enable(false);
 
     EXPECT_FALSE(equalCompounds(*m_reference, *m_source));
     EXPECT_TRUE(equalCompounds(*m_reference, *copy));

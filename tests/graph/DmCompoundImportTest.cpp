@@ -3,7 +3,8 @@
 // order; how a failing step is recorded while the walk goes on; and the
 // imports of the other kinds of definition.
 #include "graph/CompoundComparison.h"
-#include "graph/ModelTestSupport.h"
+#include "graph/CompoundTestSupport.h"
+#include "library/LibraryTestSupport.h"
 
 #include <KestoDM/assets/DmFileURI.h>
 #include <KestoDM/assets/DmURI.h>
@@ -44,15 +45,23 @@
 namespace {
 
 using namespace Kesto;
+using KestoTest::addNode;
+using KestoTest::connectionsOf;
 using KestoTest::equalCompounds;
+using KestoTest::expectConnected;
 using KestoTest::fullName;
 using KestoTest::independentCompounds;
 using KestoTest::input;
+using KestoTest::intValue;
+using KestoTest::makeLibrary;
 using KestoTest::makeLogger;
 using KestoTest::makeNamespace;
 using KestoTest::output;
 using KestoTest::portNames;
 using KestoTest::portPath;
+using KestoTest::reservedNames;
+using KestoTest::ReservingCompound;
+using KestoTest::setOf;
 
 using Names = std::vector<std::string>;
 
@@ -98,22 +107,6 @@ public:
     std::shared_ptr<DmCompound> clone() const override { return make(getName(), getLogger()); }
 };
 
-/// Reserves the port name "cond": its clones rename such a port, so that a
-/// copy cannot take it under kFailOnClash.
-class ReservingCompound : public DmCompound {
-public:
-    ReservingCompound(std::string name, std::shared_ptr<DmMessageLogger> logger)
-        : DmCompound(InternalConstructor(), std::move(name), std::move(logger)) {}
-
-    static std::shared_ptr<ReservingCompound> make(std::string name,
-                                                   std::shared_ptr<DmMessageLogger> logger) {
-        return initialized(std::make_shared<ReservingCompound>(std::move(name), std::move(logger)));
-    }
-
-    bool isReservedPortName(std::string const& name) const override { return name == "cond"; }
-    std::shared_ptr<DmCompound> clone() const override { return make(getName(), getLogger()); }
-};
-
 /// Writes down each step of a walk over a compound.
 class RecordingVisitor : public DmCompoundVisitor<RecordingVisitor> {
 public:
@@ -144,12 +137,6 @@ void ignoreValue(void const*, std::uint64_t, void const*) {}
 
 int const kClientData = 7;
 
-std::shared_ptr<DmIntValue> intValue(int data) {
-    auto value = std::make_shared<DmIntValue>();
-    value->setData(data);
-    return value;
-}
-
 int intOf(std::shared_ptr<DmBaseValue> const& value) {
     auto const typed = std::dynamic_pointer_cast<DmIntValue>(value);
     return typed ? typed->getData() : -1;
@@ -168,22 +155,8 @@ std::string stringItem(DmEntity const& entity, std::string const& name) {
     return value;
 }
 
-std::shared_ptr<DmCompound::ReservedNames> reservedNames(std::vector<std::string> const& names) {
-    auto reserved = std::make_shared<DmCompound::ReservedNames>();
-    for (auto const& name : names) {
-        reserved->push_back(String(name));
-    }
-    return reserved;
-}
-
 std::shared_ptr<DmCompound> asCompound(std::shared_ptr<DmNodeDef> const& def) {
     return std::dynamic_pointer_cast<DmCompound>(def);
-}
-
-std::shared_ptr<DmOverloadSet> setOf(DmScope const& scope, std::string const& name) {
-    std::shared_ptr<DmOverloadSet> set;
-    scope.findNodeDef(name, set);
-    return set;
 }
 
 std::shared_ptr<DmCompound> compoundIn(DmScope const& scope, std::string const& name, std::size_t index = 0) {
@@ -196,15 +169,11 @@ std::shared_ptr<DmCompound> compoundIn(DmScope const& scope, std::string const& 
 
 /// Every compound this test makes, connection, scope and watch point must be
 /// gone at its end too.
-class DmCompoundImportTest : public KestoTest::ModelTest {
+class DmCompoundImportTest : public KestoTest::CompoundTest {
 protected:
     void SetUp() override {
-        ModelTest::SetUp();
-        m_compounds = count<DmCompound>();
-        m_connections = count<DmConnection>();
-        m_scopes = count<DmScope>();
-        m_watchPoints = count<DmWatchPoint>();
-        m_logger = makeLogger();
+        CompoundTest::SetUp();
+        expectBackAtEnd<DmWatchPoint>("watch points");
         m_lib = makeNamespace("lib", m_logger);
         m_user = makeNamespace("user", m_logger);
         m_op = makeOp("op");
@@ -215,78 +184,31 @@ protected:
         m_user.reset();
         m_lib.reset();
         m_logger.reset();
-        EXPECT_EQ(count<DmCompound>(), m_compounds) << "compounds left alive";
-        EXPECT_EQ(count<DmConnection>(), m_connections) << "connections left alive";
-        EXPECT_EQ(count<DmScope>(), m_scopes) << "scopes left alive";
-        EXPECT_EQ(count<DmWatchPoint>(), m_watchPoints) << "watch points left alive";
-        ModelTest::TearDown();
+        CompoundTest::TearDown();
     }
 
     /// "name" with the int input "in" and the int output "out", in the namespace "lib".
     std::shared_ptr<DmNativeNodeDef> makeOp(std::string const& name) {
-        auto def = DmNativeNodeDef::newNativeNodeDef(name, DmNativeNodeDef::kPass);
-        def->addPortDescription(input("in", DmLibrary::getIntType()), kFailOnClash);
-        def->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
+        auto def = KestoTest::makeOp(name);
         EXPECT_EQ(def->setScope(m_lib.get(), kFailOnClash), DmStatus::kSuccess);
         return def;
     }
 
     /// An associative "add": the associative int inputs a and b, the int output out.
-    std::shared_ptr<DmNativeNodeDef> makeAssociativeOp() {
-        auto def = DmNativeNodeDef::newNativeNodeDef("add", DmNativeNodeDef::kBuildArray);
-        def->setAssociativity(DmNodeDef::kLeftToRight);
-        auto a = input("a", DmLibrary::getIntType());
-        auto b = input("b", DmLibrary::getIntType());
-        def->addPortDescription(a, kFailOnClash);
-        def->addPortDescription(b, kFailOnClash);
-        def->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
-        EXPECT_EQ(a->setAssociative(true), DmStatus::kSuccess);
-        EXPECT_EQ(b->setAssociative(true), DmStatus::kSuccess);
-        return def;
-    }
-
-    /// An initialized compound; placed in `scope` when one is given.
-    std::shared_ptr<DmCompound> makeCompound(std::string const& name, DmScope* scope = nullptr) {
-        auto compound = DmCompound::createCompound(name, m_logger);
-        compound->initialize();
-        if (scope != nullptr) {
-            EXPECT_EQ(compound->setScope(scope, kFailOnClash), DmStatus::kSuccess);
-        }
-        return compound;
+    static std::shared_ptr<DmNativeNodeDef> makeAssociativeOp() {
+        return KestoTest::makeAssociativeDef("a", "b", "out", DmNativeNodeDef::kBuildArray);
     }
 
     /// "graph" in "lib": the int input "a", the int output "r", and the chain
     /// .a -> n1 -> n2 -> .r of nodes on "op".
     std::shared_ptr<DmCompound> makeChain(std::string const& name = "graph") {
-        auto compound = makeCompound(name, m_lib.get());
-        compound->addPortDescription(input("a", DmLibrary::getIntType()), kFailOnClash);
-        compound->addPortDescription(output("r", DmLibrary::getIntType()), kFailOnClash);
+        auto compound = makeCompoundWithPorts(name, m_lib.get());
         addNode(*compound, "n1", m_op);
         addNode(*compound, "n2", m_op);
-        connect(*compound, ".a", "n1.in");
-        connect(*compound, "n1.out", "n2.in");
-        connect(*compound, "n2.out", ".r");
+        expectConnected(*compound, ".a", "n1.in");
+        expectConnected(*compound, "n1.out", "n2.in");
+        expectConnected(*compound, "n2.out", ".r");
         return compound;
-    }
-
-    std::shared_ptr<DmNode> addNode(DmCompound& compound, std::string const& name,
-                                    std::shared_ptr<DmNodeDef> const& def) {
-        auto node = DmNode::createNode(name, def);
-        EXPECT_EQ(compound.addNode(node, kFailOnClash), DmStatus::kSuccess) << name;
-        return node;
-    }
-
-    void connect(DmCompound& compound, std::string const& source, std::string const& target) {
-        std::shared_ptr<DmConnection> connection;
-        EXPECT_EQ(compound.makeConnection(source, target, connection), DmStatus::kSuccess)
-            << source << " -> " << target;
-    }
-
-    void connect(DmCompound& compound, std::shared_ptr<DmPort> const& source,
-                 std::shared_ptr<DmPort> const& target) {
-        std::shared_ptr<DmConnection> connection;
-        EXPECT_EQ(compound.makeConnection(source, target, connection), DmStatus::kSuccess)
-            << portPath(*source) << " -> " << portPath(*target);
     }
 
     /// Imports `source` into "user" under `name`; the copy, or null.
@@ -297,25 +219,9 @@ protected:
         return asCompound(out);
     }
 
-    static std::vector<std::string> connectionsOf(DmCompound const& compound) {
-        std::vector<std::string> out;
-        for (auto const& connection : compound.getConnections()) {
-            out.push_back(portPath(*connection->getSourcePort()) + " -> " +
-                          portPath(*connection->getTargetPort()));
-        }
-        return out;
-    }
-
-    std::shared_ptr<DmMessageLogger> m_logger;
     std::shared_ptr<DmNamespace> m_lib;
     std::shared_ptr<DmNamespace> m_user;
     std::shared_ptr<DmNativeNodeDef> m_op;
-
-private:
-    unsigned int m_compounds = 0;
-    unsigned int m_connections = 0;
-    unsigned int m_scopes = 0;
-    unsigned int m_watchPoints = 0;
 };
 
 // ---------------------------------------------------------------------------
@@ -573,7 +479,7 @@ TEST_F(DmCompoundImportTest, NestedCopiesReportIsImportedWithTheirSourcesURI) {
 }
 
 TEST_F(DmCompoundImportTest, CopyKeepsTheSourcesLibrary) {
-    auto library = DmLibrary::newLibrary(std::make_shared<BaContext>(), nullptr, DmExternOperator::kSafe);
+    auto library = makeLibrary();
     ASSERT_NE(library, nullptr);
     auto const target = library->getGlobalNamespace()->fetchNamespace("user");
     auto source = makeChain();
@@ -815,7 +721,7 @@ TEST_F(DmCompoundImportTest, PortTheCopyCannotTakeFailsTheImportAndTheRestIsCopi
     ASSERT_TRUE(source->addPortDescription(input("cond", DmLibrary::getBoolType()), kAsOverload));
     ASSERT_TRUE(source->addPortDescription(input("a", DmLibrary::getIntType()), kFailOnClash));
     addNode(*source, "n1", m_op);
-    connect(*source, ".a", "n1.in");
+    expectConnected(*source, ".a", "n1.in");
     std::shared_ptr<DmNodeDef> out;
     EXPECT_EQ(source->import(m_user, kFailOnClash, "copy", out, 0), DmStatus::kFailure);
     EXPECT_EQ(out, nullptr);
@@ -1029,8 +935,8 @@ TEST_F(DmCompoundImportTest, NodesAndConnectionsAfterAFailedNodeAreStillCopied) 
     addNode(*source, "n1", m_op);
     ASSERT_EQ(source->addNode(DmNode::createNode("orphan", nullptr), kFailOnClash), DmStatus::kSuccess);
     addNode(*source, "n2", m_op);
-    connect(*source, ".a", "n1.in");
-    connect(*source, "n1.out", "n2.in");
+    expectConnected(*source, ".a", "n1.in");
+    expectConnected(*source, "n1.out", "n2.in");
     DmCompoundVisitorImport visitor(source, "copy", m_user, 0);
     visitor.visit();
     EXPECT_EQ(visitor.getStatus(), DmStatus::kFailure);
@@ -1266,9 +1172,9 @@ TEST_F(DmCompoundImportTest, CopiesTheConnectionsInTheOrderOfTheList) {
     source->addPortDescription(output("r", DmLibrary::getIntType()), kFailOnClash);
     addNode(*source, "n1", m_op);
     addNode(*source, "n2", m_op);
-    connect(*source, "n2.out", ".r");
-    connect(*source, "n1.out", "n2.in");
-    connect(*source, ".a", "n1.in");
+    expectConnected(*source, "n2.out", ".r");
+    expectConnected(*source, "n1.out", "n2.in");
+    expectConnected(*source, ".a", "n1.in");
     auto const copy = importToUser(*source);
     ASSERT_NE(copy, nullptr);
     EXPECT_EQ(connectionsOf(*copy), (Names{"n2.out -> .r", "n1.out -> n2.in", ".a -> n1.in"}));
@@ -1283,7 +1189,7 @@ TEST_F(DmCompoundImportTest, CopiesAConnectionThroughTheSelfNode) {
     auto source = makeCompound("graph", m_lib.get());
     source->addPortDescription(input("a", DmLibrary::getIntType()), kFailOnClash);
     source->addPortDescription(output("r", DmLibrary::getIntType()), kFailOnClash);
-    connect(*source, ".a", ".r");
+    expectConnected(*source, ".a", ".r");
     auto const copy = importToUser(*source);
     ASSERT_NE(copy, nullptr);
     ASSERT_EQ(copy->getConnections().size(), 1u);
@@ -1311,9 +1217,9 @@ TEST_F(DmCompoundImportTest, CopiesConnectionsOfEntriesAndMembers) {
     std::shared_ptr<DmPort> px;
     ASSERT_TRUE((*source->getSelfNode())["s"]->getMember("x", sx));
     ASSERT_TRUE((*d)["p"]->getMember("x", px));
-    connect(*source, sx, e);
-    connect(*source, (*n1)["out"], f);
-    connect(*source, (*sum)["out"], px);
+    expectConnected(*source, sx, e);
+    expectConnected(*source, (*n1)["out"], f);
+    expectConnected(*source, (*sum)["out"], px);
     ASSERT_EQ(connectionsOf(*source), (Names{".s.x -> sum.a.e", "n1.out -> sum.a.f", "sum.out -> d.p.x"}));
     auto const copy = importToUser(*source);
     ASSERT_NE(copy, nullptr);
@@ -1511,9 +1417,9 @@ TEST_F(DmCompoundImportTest, TheWalkVisitsEachPartInItsOrder) {
     ASSERT_EQ(helper->setScope(source.get(), kFailOnClash), DmStatus::kSuccess);
     addNode(*source, "n2", m_op);
     addNode(*source, "n1", m_op);
-    connect(*source, "n1.out", ".r");
-    connect(*source, ".a", "n2.in");
-    connect(*source, "n2.out", "n1.in");
+    expectConnected(*source, "n1.out", ".r");
+    expectConnected(*source, ".a", "n2.in");
+    expectConnected(*source, "n2.out", "n1.in");
     RecordingVisitor visitor(source);
     visitor.visit();
     EXPECT_EQ(visitor.steps,

@@ -2,7 +2,7 @@
 // reserved node names, renaming a node inside its compound, the URIs a graph
 // comes to depend on, removing nodes and ports, and breaking connections by
 // node, by port and all at once.
-#include "graph/ModelTestSupport.h"
+#include "graph/CompoundTestSupport.h"
 
 #include <KestoDM/assets/DmFileURI.h>
 #include <KestoDM/assets/DmURI.h>
@@ -28,104 +28,34 @@
 namespace {
 
 using namespace Kesto;
+using KestoTest::connect;
 using KestoTest::input;
 using KestoTest::keysOf;
-using KestoTest::makeLogger;
 using KestoTest::makeNamespace;
+using KestoTest::makeOp;
 using KestoTest::makeStruct;
+using KestoTest::makeURI;
 using KestoTest::output;
 using KestoTest::portNames;
+using KestoTest::reservedNames;
 
 using Names = std::vector<std::string>;
 
-class DmCompoundNodesTest : public KestoTest::ModelTest {
+class DmCompoundNodesTest : public KestoTest::CompoundTest {
 protected:
-    void SetUp() override {
-        ModelTest::SetUp();
-        m_compounds = count<DmCompound>();
-        m_connections = count<DmConnection>();
-        m_scopes = count<DmScope>();
-    }
-
-    void TearDown() override {
-        EXPECT_EQ(count<DmCompound>(), m_compounds) << "compounds left alive";
-        EXPECT_EQ(count<DmConnection>(), m_connections) << "connections left alive";
-        EXPECT_EQ(count<DmScope>(), m_scopes) << "scopes left alive";
-        ModelTest::TearDown();
-    }
-
-    std::shared_ptr<DmCompound> makeCompound(std::string const& name = "graph") {
-        auto compound = DmCompound::createCompound(name, m_logger);
-        compound->initialize();
-        return compound;
-    }
-
-    /// A compound with the int input "a" and the int output "r".
-    std::shared_ptr<DmCompound> makeCompoundWithPorts(std::string const& name = "graph") {
-        auto compound = makeCompound(name);
-        compound->addPortDescription(input("a", DmLibrary::getIntType()), kFailOnClash);
-        compound->addPortDescription(output("r", DmLibrary::getIntType()), kFailOnClash);
-        return compound;
-    }
-
-    std::shared_ptr<DmMessageLogger> m_logger = makeLogger();
-    /// "op": the int input "in" and the int output "out".
-    std::shared_ptr<DmNativeNodeDef> m_op = makeOp("op");
-
-    static std::shared_ptr<DmNativeNodeDef> makeOp(std::string const& name) {
-        auto def = DmNativeNodeDef::newNativeNodeDef(name, DmNativeNodeDef::kPass);
-        def->addPortDescription(input("in", DmLibrary::getIntType()), kFailOnClash);
-        def->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
-        return def;
-    }
-
     std::shared_ptr<DmNode> node(std::string const& name) { return DmNode::createNode(name, m_op); }
 
     std::shared_ptr<DmNode> addNode(DmCompound& compound, std::string const& name) {
-        auto added = node(name);
-        EXPECT_EQ(compound.addNode(added, kFailOnClash), DmStatus::kSuccess);
-        return added;
+        return KestoTest::addNode(compound, name, m_op);
     }
 
-private:
-    unsigned int m_compounds = 0;
-    unsigned int m_connections = 0;
-    unsigned int m_scopes = 0;
+    /// "op": the int input "in" and the int output "out".
+    std::shared_ptr<DmNativeNodeDef> m_op = makeOp("op");
 };
-
-std::shared_ptr<DmCompound::ReservedNames> reservedNames(std::vector<std::string> const& names) {
-    auto reserved = std::make_shared<DmCompound::ReservedNames>();
-    for (auto const& name : names) {
-        reserved->push_back(String(name));
-    }
-    return reserved;
-}
-
-std::shared_ptr<DmURI> makeURI(std::string const& path) {
-    return std::make_shared<DmFileURI>(path, "");
-}
-
-DmStatus connect(DmCompound& compound, std::string const& source, std::string const& target) {
-    std::shared_ptr<DmConnection> connection;
-    return compound.makeConnection(source, target, connection);
-}
-
-/// The path of a port as connections name it: "node.port", ".port" on the
-/// self node, entries and members behind their port.
-std::string pathOf(DmPort const& port) {
-    if (port.getParent() != nullptr) {
-        return pathOf(*port.getParent()) + "." + port.getName();
-    }
-    return (port.getNode()->isSelfNode() ? std::string() : port.getNode()->getName()) + "." + port.getName();
-}
 
 /// "source->target" for each connection of the compound, in order.
 std::vector<std::string> connectionsOf(DmCompound const& compound) {
-    std::vector<std::string> list;
-    for (auto const& connection : compound.getConnections()) {
-        list.push_back(pathOf(*connection->getSourcePort()) + "->" + pathOf(*connection->getTargetPort()));
-    }
-    return list;
+    return KestoTest::connectionsOf(compound, "->");
 }
 
 } // namespace

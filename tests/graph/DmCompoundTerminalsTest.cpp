@@ -2,7 +2,7 @@
 // terminal nodes among a compound's nodes and connections, the states each
 // terminal node holds for its inputs, and the default states a compound keeps
 // for the terminals inside it.
-#include "graph/ModelTestSupport.h"
+#include "graph/CompoundTestSupport.h"
 
 #include <KestoDM/foundation/DmNameResolution.h>
 #include <KestoDM/foundation/DmStatus.h>
@@ -29,89 +29,23 @@
 namespace {
 
 using namespace Kesto;
+using KestoTest::addNode;
+using KestoTest::described;
 using KestoTest::input;
-using KestoTest::makeLogger;
+using KestoTest::makeOp;
+using KestoTest::makeTerminalWithInputs;
 using KestoTest::output;
 using KestoTest::portNames;
+using KestoTest::recordsOf;
+using KestoTest::setOf;
 
 using Names = std::vector<std::string>;
 
-class DmCompoundTerminalsTest : public KestoTest::ModelTest {
-protected:
-    void SetUp() override {
-        ModelTest::SetUp();
-        m_compounds = count<DmCompound>();
-        m_connections = count<DmConnection>();
-        m_scopes = count<DmScope>();
-    }
-
-    void TearDown() override {
-        EXPECT_EQ(count<DmCompound>(), m_compounds) << "compounds left alive";
-        EXPECT_EQ(count<DmConnection>(), m_connections) << "connections left alive";
-        EXPECT_EQ(count<DmScope>(), m_scopes) << "scopes left alive";
-        ModelTest::TearDown();
-    }
-
-    std::shared_ptr<DmCompound> makeCompound(std::string const& name = "graph") {
-        auto compound = DmCompound::createCompound(name, m_logger);
-        compound->initialize();
-        return compound;
-    }
-
-    std::shared_ptr<DmMessageLogger> m_logger = makeLogger();
-
-private:
-    unsigned int m_compounds = 0;
-    unsigned int m_connections = 0;
-    unsigned int m_scopes = 0;
-};
-
-/// A terminal with the int inputs "a", "b" and "c".
-std::shared_ptr<DmTerminalNodeDef> makeTerminal(std::string const& name = "result") {
-    auto terminal = DmTerminalNodeDef::createTerminalNodeDef(name, kNameVerbatim);
-    for (auto const& port : {"a", "b", "c"}) {
-        terminal->addPortDescription(input(port, DmLibrary::getIntType()), kFailOnClash);
-    }
-    return terminal;
-}
-
-/// "op": the int input "in" and the int output "out".
-std::shared_ptr<DmNativeNodeDef> makeOp(std::string const& name = "op") {
-    auto def = DmNativeNodeDef::newNativeNodeDef(name, DmNativeNodeDef::kPass);
-    def->addPortDescription(input("in", DmLibrary::getIntType()), kFailOnClash);
-    def->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
-    return def;
-}
-
-std::shared_ptr<DmOverloadSet> setOf(DmScope const& scope, std::string const& name) {
-    std::shared_ptr<DmOverloadSet> set;
-    scope.findNodeDef(name, set);
-    return set;
-}
-
-std::shared_ptr<DmPortDescription> described(DmNodeDef const& def, std::string const& name) {
-    return def.getPortsInterface()[name];
-}
+class DmCompoundTerminalsTest : public KestoTest::CompoundTest {};
 
 /// The description of a node's port, as the node's states know it.
 std::shared_ptr<DmPortDescription> portOf(DmNode const& node, std::string const& name) {
     return node[name]->getPortDescription();
-}
-
-/// The names of the ports of `states`' records, in order, with "-" for a disabled one.
-std::vector<std::string> recordsOf(DmTerminalStates const& states) {
-    std::vector<std::string> records;
-    for (auto const& state : states) {
-        records.push_back((state.isEnabled() ? "" : "-") + state.getPort()->getName());
-    }
-    return records;
-}
-
-std::shared_ptr<DmNode> addNode(DmCompound& compound, std::string const& name,
-                                std::shared_ptr<DmNodeDef> const& def) {
-    auto node = DmNode::createNode(name, def);
-    EXPECT_EQ(compound.addNode(node, kFailOnClash), DmStatus::kSuccess);
-    return node;
 }
 
 } // namespace
@@ -121,7 +55,7 @@ std::shared_ptr<DmNode> addNode(DmCompound& compound, std::string const& name,
 
 TEST_F(DmCompoundTerminalsTest, TerminalPlacedInCompoundIsPrivateDefaultOverload) {
     auto compound = makeCompound();
-    auto terminal = makeTerminal();
+    auto terminal = makeTerminalWithInputs();
     EXPECT_EQ(terminal->setScope(compound.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(terminal->getScope(), compound.get());
     EXPECT_TRUE(terminal->isPrivate());
@@ -136,8 +70,8 @@ TEST_F(DmCompoundTerminalsTest, TerminalPlacedInCompoundIsPrivateDefaultOverload
 
 TEST_F(DmCompoundTerminalsTest, SecondTerminalOfOneNameIsNoOverloadInCompound) {
     auto compound = makeCompound();
-    auto first = makeTerminal();
-    auto second = makeTerminal();
+    auto first = makeTerminalWithInputs();
+    auto second = makeTerminalWithInputs();
     ASSERT_EQ(first->setScope(compound.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(second->setScope(compound.get(), kAsOverload), DmStatus::kFailure);
     EXPECT_EQ(second->getScope(), nullptr);
@@ -147,8 +81,8 @@ TEST_F(DmCompoundTerminalsTest, SecondTerminalOfOneNameIsNoOverloadInCompound) {
 
 TEST_F(DmCompoundTerminalsTest, SecondTerminalOfOneNameIsRefusedUnderFailOnClash) {
     auto compound = makeCompound();
-    auto first = makeTerminal();
-    auto second = makeTerminal();
+    auto first = makeTerminalWithInputs();
+    auto second = makeTerminalWithInputs();
     ASSERT_EQ(first->setScope(compound.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(second->setScope(compound.get(), kFailOnClash), DmStatus::kInvalidArgument);
     EXPECT_EQ(second->getScope(), nullptr);
@@ -156,8 +90,8 @@ TEST_F(DmCompoundTerminalsTest, SecondTerminalOfOneNameIsRefusedUnderFailOnClash
 
 TEST_F(DmCompoundTerminalsTest, SecondTerminalOfOneNameIsRenamedUnderMakeUnique) {
     auto compound = makeCompound();
-    auto first = makeTerminal();
-    auto second = makeTerminal();
+    auto first = makeTerminalWithInputs();
+    auto second = makeTerminalWithInputs();
     ASSERT_EQ(first->setScope(compound.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(second->setScope(compound.get(), kMakeUnique), DmStatus::kSuccess);
     EXPECT_EQ(second->getName(), "result1");
@@ -167,7 +101,7 @@ TEST_F(DmCompoundTerminalsTest, SecondTerminalOfOneNameIsRenamedUnderMakeUnique)
 
 TEST_F(DmCompoundTerminalsTest, NestedCompoundCannotJoinATerminalsName) {
     auto outer = makeCompound("outer");
-    auto terminal = makeTerminal("inner");
+    auto terminal = makeTerminalWithInputs("inner");
     ASSERT_EQ(terminal->setScope(outer.get(), kFailOnClash), DmStatus::kSuccess);
     auto inner = makeCompound("inner");
     EXPECT_EQ(inner->setScope(outer.get(), kAsOverload), DmStatus::kFailure);
@@ -187,7 +121,7 @@ TEST_F(DmCompoundTerminalsTest, CompoundIsNoTerminal) {
 
 TEST_F(DmCompoundTerminalsTest, TerminalNodeInCompoundHasInputsOnly) {
     auto compound = makeCompound();
-    auto terminal = makeTerminal();
+    auto terminal = makeTerminalWithInputs();
     ASSERT_EQ(terminal->setScope(compound.get(), kFailOnClash), DmStatus::kSuccess);
     auto node = addNode(*compound, "t", terminal);
     EXPECT_EQ(portNames(node->getPorts()), (Names{"a", "b", "c"}));
@@ -200,7 +134,7 @@ TEST_F(DmCompoundTerminalsTest, TerminalNodeInCompoundHasInputsOnly) {
 TEST_F(DmCompoundTerminalsTest, TerminalNodeInputsTakeConnections) {
     auto compound = makeCompound();
     compound->addPortDescription(input("x", DmLibrary::getIntType()), kFailOnClash);
-    auto terminal = makeTerminal();
+    auto terminal = makeTerminalWithInputs();
     auto op = makeOp();
     addNode(*compound, "t", terminal);
     addNode(*compound, "n", op);
@@ -212,7 +146,7 @@ TEST_F(DmCompoundTerminalsTest, TerminalNodeInputsTakeConnections) {
 
 TEST_F(DmCompoundTerminalsTest, TerminalNodeInputIsNoSource) {
     auto compound = makeCompound();
-    auto terminal = makeTerminal();
+    auto terminal = makeTerminalWithInputs();
     auto op = makeOp();
     addNode(*compound, "t", terminal);
     addNode(*compound, "n", op);
@@ -226,7 +160,7 @@ TEST_F(DmCompoundTerminalsTest, TerminalNodeInputIsNoSource) {
 
 TEST_F(DmCompoundTerminalsTest, TerminalNodeOnTheTerminalsSetShowsItsInputs) {
     auto compound = makeCompound();
-    auto terminal = makeTerminal();
+    auto terminal = makeTerminalWithInputs();
     ASSERT_EQ(terminal->setScope(compound.get(), kFailOnClash), DmStatus::kSuccess);
     auto set = setOf(*compound, "result");
     auto node = addNode(*compound, "t", set);
@@ -239,7 +173,7 @@ TEST_F(DmCompoundTerminalsTest, TerminalNodeOnTheTerminalsSetShowsItsInputs) {
 
 TEST_F(DmCompoundTerminalsTest, TerminalNodeStartsWithNoStatesAndEveryInputEnabled) {
     auto compound = makeCompound();
-    auto terminal = makeTerminal();
+    auto terminal = makeTerminalWithInputs();
     auto node = addNode(*compound, "t", terminal);
     EXPECT_TRUE(node->getTerminalStates().empty());
     for (auto const& name : {"a", "b", "c"}) {
@@ -249,7 +183,7 @@ TEST_F(DmCompoundTerminalsTest, TerminalNodeStartsWithNoStatesAndEveryInputEnabl
 
 TEST_F(DmCompoundTerminalsTest, TerminalNodeRecordsADisabledInput) {
     auto compound = makeCompound();
-    auto terminal = makeTerminal();
+    auto terminal = makeTerminalWithInputs();
     auto node = addNode(*compound, "t", terminal);
     EXPECT_EQ(node->getTerminalStates().setTerminalState(portOf(*node, "b"), false), DmStatus::kSuccess);
     EXPECT_FALSE(node->getTerminalStates().isEnabled(portOf(*node, "b").get()));
@@ -259,7 +193,7 @@ TEST_F(DmCompoundTerminalsTest, TerminalNodeRecordsADisabledInput) {
 
 TEST_F(DmCompoundTerminalsTest, SettingANodesStateTwiceLeavesOneRecordWithTheLastFlag) {
     auto compound = makeCompound();
-    auto terminal = makeTerminal();
+    auto terminal = makeTerminalWithInputs();
     auto node = addNode(*compound, "t", terminal);
     auto& states = node->getTerminalStates();
     ASSERT_EQ(states.setTerminalState(portOf(*node, "a"), false), DmStatus::kSuccess);
@@ -271,7 +205,7 @@ TEST_F(DmCompoundTerminalsTest, SettingANodesStateTwiceLeavesOneRecordWithTheLas
 
 TEST_F(DmCompoundTerminalsTest, TerminalNodesOfOneDefinitionKeepTheirOwnStates) {
     auto compound = makeCompound();
-    auto terminal = makeTerminal();
+    auto terminal = makeTerminalWithInputs();
     auto first = addNode(*compound, "first", terminal);
     auto second = addNode(*compound, "second", terminal);
     ASSERT_EQ(first->getTerminalStates().setTerminalState(portOf(*first, "a"), false), DmStatus::kSuccess);
@@ -292,7 +226,7 @@ TEST_F(DmCompoundTerminalsTest, NodeStateOfAnOrdinaryPortIsRefusedAndAppendsNoth
 
 TEST_F(DmCompoundTerminalsTest, NodeOnTheTerminalsSetTakesStatesOfItsPorts) {
     auto compound = makeCompound();
-    auto terminal = makeTerminal();
+    auto terminal = makeTerminalWithInputs();
     ASSERT_EQ(terminal->setScope(compound.get(), kFailOnClash), DmStatus::kSuccess);
     auto node = addNode(*compound, "t", setOf(*compound, "result"));
     EXPECT_EQ(node->getTerminalStates().setTerminalState(portOf(*node, "a"), false), DmStatus::kSuccess);
@@ -312,7 +246,7 @@ TEST_F(DmCompoundTerminalsTest, NodeOnPlaceholderKeepsTerminalStates) {
 
 TEST_F(DmCompoundTerminalsTest, RemovedTerminalNodeTakesItsStatesAlong) {
     auto compound = makeCompound();
-    auto terminal = makeTerminal();
+    auto terminal = makeTerminalWithInputs();
     unsigned int const descriptions = count<DmPortDescription>();
     {
         auto node = addNode(*compound, "t", terminal);
@@ -329,7 +263,7 @@ TEST_F(DmCompoundTerminalsTest, RemovedTerminalNodeTakesItsStatesAlong) {
 
 TEST_F(DmCompoundTerminalsTest, CompoundStartsWithNoDefaultStates) {
     auto compound = makeCompound();
-    auto terminal = makeTerminal();
+    auto terminal = makeTerminalWithInputs();
     EXPECT_TRUE(compound->getDefaultTerminalStates().empty());
     EXPECT_EQ(compound->getDefaultTerminalStates().size(), 0u);
     EXPECT_TRUE(compound->getDefaultTerminalStates().isEnabled(described(*terminal, "a").get()));
@@ -337,7 +271,7 @@ TEST_F(DmCompoundTerminalsTest, CompoundStartsWithNoDefaultStates) {
 
 TEST_F(DmCompoundTerminalsTest, CompoundRecordsDefaultStatesOfItsTerminals) {
     auto compound = makeCompound();
-    auto terminal = makeTerminal();
+    auto terminal = makeTerminalWithInputs();
     ASSERT_EQ(terminal->setScope(compound.get(), kFailOnClash), DmStatus::kSuccess);
     auto& defaults = compound->getDefaultTerminalStates();
     EXPECT_EQ(defaults.setTerminalState(described(*terminal, "c"), false), DmStatus::kSuccess);
@@ -351,7 +285,7 @@ TEST_F(DmCompoundTerminalsTest, CompoundRecordsDefaultStatesOfItsTerminals) {
 
 TEST_F(DmCompoundTerminalsTest, SettingADefaultStateTwiceLeavesOneRecordWithTheLastFlag) {
     auto compound = makeCompound();
-    auto terminal = makeTerminal();
+    auto terminal = makeTerminalWithInputs();
     auto& defaults = compound->getDefaultTerminalStates();
     ASSERT_EQ(defaults.setTerminalState(described(*terminal, "b"), false), DmStatus::kSuccess);
     EXPECT_EQ(defaults.setTerminalState(described(*terminal, "b"), true), DmStatus::kSuccess);
@@ -399,7 +333,7 @@ TEST_F(DmCompoundTerminalsTest, DefaultStateOfAPlaceholdersPortIsKept) {
 
 TEST_F(DmCompoundTerminalsTest, RemovingADefaultStateKeepsTheOrderOfTheOthers) {
     auto compound = makeCompound();
-    auto terminal = makeTerminal();
+    auto terminal = makeTerminalWithInputs();
     auto& defaults = compound->getDefaultTerminalStates();
     for (auto const& name : {"a", "b", "c"}) {
         ASSERT_EQ(defaults.setTerminalState(described(*terminal, name), false), DmStatus::kSuccess);
@@ -415,7 +349,7 @@ TEST_F(DmCompoundTerminalsTest, RemovingADefaultStateKeepsTheOrderOfTheOthers) {
 
 TEST_F(DmCompoundTerminalsTest, DefaultStatesAndNodeStatesAreApart) {
     auto compound = makeCompound();
-    auto terminal = makeTerminal();
+    auto terminal = makeTerminalWithInputs();
     auto node = addNode(*compound, "t", terminal);
     ASSERT_EQ(compound->getDefaultTerminalStates().setTerminalState(described(*terminal, "a"), false),
               DmStatus::kSuccess);
@@ -426,7 +360,7 @@ TEST_F(DmCompoundTerminalsTest, DefaultStatesAndNodeStatesAreApart) {
 
 TEST_F(DmCompoundTerminalsTest, CloneStartsWithoutDefaultStates) {
     auto compound = makeCompound();
-    auto terminal = makeTerminal();
+    auto terminal = makeTerminalWithInputs();
     ASSERT_EQ(compound->getDefaultTerminalStates().setTerminalState(described(*terminal, "a"), false),
               DmStatus::kSuccess);
     auto clone = compound->clone();
@@ -436,7 +370,7 @@ TEST_F(DmCompoundTerminalsTest, CloneStartsWithoutDefaultStates) {
 
 TEST_F(DmCompoundTerminalsTest, InvalidTerminalStatesAreEmptyOneObjectAndNoNodesOrCompounds) {
     auto compound = makeCompound();
-    auto terminal = makeTerminal();
+    auto terminal = makeTerminalWithInputs();
     auto node = addNode(*compound, "t", terminal);
     DmTerminalStates const* const invalid = DmTerminalStates::getInvalidTerminalStates();
     ASSERT_NE(invalid, nullptr);
@@ -456,7 +390,7 @@ TEST_F(DmCompoundTerminalsTest, DefaultStatesKeepARemovedPortAliveUntilTheCompou
     std::weak_ptr<DmPortDescription> weak;
     {
         auto compound = makeCompound();
-        auto terminal = makeTerminal();
+        auto terminal = makeTerminalWithInputs();
         auto a = described(*terminal, "a");
         weak = a;
         ASSERT_EQ(compound->getDefaultTerminalStates().setTerminalState(a, false), DmStatus::kSuccess);
@@ -476,7 +410,7 @@ TEST_F(DmCompoundTerminalsTest, DroppingCompoundReleasesItsTerminalsNodesAndStat
     unsigned int const descriptions = count<DmPortDescription>();
     {
         auto compound = makeCompound();
-        auto terminal = makeTerminal();
+        auto terminal = makeTerminalWithInputs();
         ASSERT_EQ(terminal->setScope(compound.get(), kFailOnClash), DmStatus::kSuccess);
         auto op = makeOp();
         auto node = addNode(*compound, "t", terminal);

@@ -2,7 +2,7 @@
 // interface an overload takes over from its set, clones, renames, placement in
 // namespaces and in other compounds, URIs, feedback links, port names and
 // values, collection, and what dropping a compound releases.
-#include "graph/ModelTestSupport.h"
+#include "graph/CompoundTestSupport.h"
 
 #include <KestoDM/assets/DmFileURI.h>
 #include <KestoDM/assets/DmURI.h>
@@ -31,113 +31,32 @@ namespace {
 
 using namespace Kesto;
 using KestoTest::AcceptAll;
+using KestoTest::addNode;
+using KestoTest::connect;
 using KestoTest::fullName;
 using KestoTest::input;
+using KestoTest::intValue;
 using KestoTest::makeLogger;
 using KestoTest::makeNamespace;
+using KestoTest::makeOp;
+using KestoTest::makeURI;
 using KestoTest::namesOf;
 using KestoTest::output;
 using KestoTest::portNames;
 using KestoTest::RefuseName;
+using KestoTest::ReservingCompound;
 using KestoTest::RootNamespace;
 using KestoTest::scopeName;
+using KestoTest::setOf;
 
 using Names = std::vector<std::string>;
 
 /// Counts compounds, connections and scopes too: a compound must release all
 /// of them with itself.
-class DmCompoundTest : public KestoTest::ModelTest {
-protected:
-    void SetUp() override {
-        ModelTest::SetUp();
-        m_compounds = count<DmCompound>();
-        m_connections = count<DmConnection>();
-        m_scopes = count<DmScope>();
-    }
-
-    void TearDown() override {
-        EXPECT_EQ(count<DmCompound>(), m_compounds) << "compounds left alive";
-        EXPECT_EQ(count<DmConnection>(), m_connections) << "connections left alive";
-        EXPECT_EQ(count<DmScope>(), m_scopes) << "scopes left alive";
-        ModelTest::TearDown();
-    }
-
-    std::shared_ptr<DmCompound> makeCompound(std::string const& name = "graph") {
-        auto compound = DmCompound::createCompound(name, m_logger);
-        compound->initialize();
-        return compound;
-    }
-
-    /// A compound with the int input "a" and the int output "r".
-    std::shared_ptr<DmCompound> makeCompoundWithPorts(std::string const& name = "graph") {
-        auto compound = makeCompound(name);
-        compound->addPortDescription(input("a", DmLibrary::getIntType()), kFailOnClash);
-        compound->addPortDescription(output("r", DmLibrary::getIntType()), kFailOnClash);
-        return compound;
-    }
-
-    std::shared_ptr<DmMessageLogger> m_logger = makeLogger();
-
-private:
-    unsigned int m_compounds = 0;
-    unsigned int m_connections = 0;
-    unsigned int m_scopes = 0;
-};
-
-/// A compound that reserves the port name "cond", as loops reserve the ports they make.
-class ReservingCompound : public DmCompound {
-public:
-    ReservingCompound(std::string name, std::shared_ptr<DmMessageLogger> logger)
-        : DmCompound(InternalConstructor(), std::move(name), std::move(logger)) {}
-
-    static std::shared_ptr<ReservingCompound> make(std::string name,
-                                                   std::shared_ptr<DmMessageLogger> logger) {
-        auto compound = std::make_shared<ReservingCompound>(std::move(name), std::move(logger));
-        compound->initialize();
-        return compound;
-    }
-
-    bool isReservedPortName(std::string const& name) const override { return name == "cond"; }
-};
-
-/// "op": the int input "in" and the int output "out".
-std::shared_ptr<DmNativeNodeDef> makeOp(std::string const& name = "op") {
-    auto def = DmNativeNodeDef::newNativeNodeDef(name, DmNativeNodeDef::kPass);
-    def->addPortDescription(input("in", DmLibrary::getIntType()), kFailOnClash);
-    def->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
-    return def;
-}
-
-std::shared_ptr<DmIntValue> intValue(int data) {
-    auto value = std::make_shared<DmIntValue>();
-    value->setData(data);
-    return value;
-}
-
-std::shared_ptr<DmURI> makeURI(std::string const& path) {
-    return std::make_shared<DmFileURI>(path, "");
-}
-
-std::shared_ptr<DmOverloadSet> setOf(DmScope const& scope, std::string const& name) {
-    std::shared_ptr<DmOverloadSet> set;
-    scope.findNodeDef(name, set);
-    return set;
-}
+class DmCompoundTest : public KestoTest::CompoundTest {};
 
 bool nests(DmScope const& scope, std::shared_ptr<DmCompound> const& compound) {
     return scope.getNestedScopes().contains(std::static_pointer_cast<DmScope>(compound));
-}
-
-std::shared_ptr<DmNode> addNode(DmCompound& compound, std::string const& name,
-                                std::shared_ptr<DmNodeDef> const& def) {
-    auto node = DmNode::createNode(name, def);
-    EXPECT_EQ(compound.addNode(node, kFailOnClash), DmStatus::kSuccess);
-    return node;
-}
-
-DmStatus connect(DmCompound& compound, std::string const& source, std::string const& target) {
-    std::shared_ptr<DmConnection> connection;
-    return compound.makeConnection(source, target, connection);
 }
 
 } // namespace

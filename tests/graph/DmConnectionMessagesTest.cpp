@@ -3,7 +3,8 @@
 // when the compound has a library and in the compound's own log otherwise.
 // Refusals of ports connected through their entries, and a connection that
 // is simply not there, report nothing.
-#include "graph/ModelTestSupport.h"
+#include "graph/CompoundTestSupport.h"
+#include "library/LibraryTestSupport.h"
 
 #include <KestoDM/foundation/DmMessageLogger.h>
 #include <KestoDM/foundation/DmMessageReport.h>
@@ -32,106 +33,21 @@ namespace {
 
 using namespace Kesto;
 using KestoTest::input;
+using KestoTest::makeLibrary;
 using KestoTest::makeLogger;
+using KestoTest::makeSceneOp;
 using KestoTest::output;
 
 using Failure = DmCompound::ConnectionFailureType;
 
-/// Also expects every connection and compound made by a test to be gone at its end.
-class DmConnectionMessagesTest : public KestoTest::ModelTest {
-protected:
-    void SetUp() override {
-        ModelTest::SetUp();
-        m_connections = count<DmConnection>();
-        m_compounds = count<DmCompound>();
-    }
+class DmConnectionMessagesTest : public KestoTest::ConnectionTest {};
 
-    void TearDown() override {
-        EXPECT_EQ(count<DmConnection>(), m_connections) << "connections left alive";
-        EXPECT_EQ(count<DmCompound>(), m_compounds) << "compounds left alive";
-        ModelTest::TearDown();
-    }
-
-private:
-    unsigned int m_connections = 0;
-    unsigned int m_compounds = 0;
-};
-
-/// "op": the int inputs a and b and the int output out.
-std::shared_ptr<DmNativeNodeDef> makeOpDef() {
-    auto def = DmNativeNodeDef::newNativeNodeDef("op", DmNativeNodeDef::kPass);
-    def->addPortDescription(input("a", DmLibrary::getIntType()), kFailOnClash);
-    def->addPortDescription(input("b", DmLibrary::getIntType()), kFailOnClash);
-    def->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
-    return def;
-}
+using Scene = KestoTest::ConnectionScene;
 
 /// An associative "add": the associative inputs lhs and rhs, the output result.
 std::shared_ptr<DmNativeNodeDef> makeAddDef() {
-    auto def = DmNativeNodeDef::newNativeNodeDef("add", DmNativeNodeDef::kPass);
-    def->setAssociativity(DmNodeDef::kLeftToRight);
-    auto lhs = input("lhs", DmLibrary::getIntType());
-    auto rhs = input("rhs", DmLibrary::getIntType());
-    EXPECT_EQ(lhs->setAssociative(true), DmStatus::kSuccess);
-    EXPECT_EQ(rhs->setAssociative(true), DmStatus::kSuccess);
-    def->addPortDescription(lhs, kFailOnClash);
-    def->addPortDescription(rhs, kFailOnClash);
-    def->addPortDescription(output("result", DmLibrary::getIntType()), kFailOnClash);
-    return def;
+    return KestoTest::makeAssociativeDef("lhs", "rhs", "result");
 }
-
-std::shared_ptr<DmLibrary> makeLibrary() {
-    return DmLibrary::newLibrary(std::make_shared<BaContext>(), nullptr, DmExternOperator::kSafe);
-}
-
-/// A compound "comp" with the int input x and the int output y, and the
-/// nodes n1, n2 and n3 on "op". Its own log is `logger`.
-struct Scene {
-    Scene() : logger(makeLogger()) {
-        compound = DmCompound::createCompound("comp", logger);
-        compound->initialize();
-        compound->addPortDescription(input("x", DmLibrary::getIntType()), kFailOnClash);
-        compound->addPortDescription(output("y", DmLibrary::getIntType()), kFailOnClash);
-        auto const def = makeOpDef();
-        n1 = addNode("n1", def);
-        n2 = addNode("n2", def);
-        n3 = addNode("n3", def);
-    }
-
-    std::shared_ptr<DmNode> addNode(std::string const& name, std::shared_ptr<DmNodeDef> const& def) {
-        auto node = DmNode::createNode(name, def);
-        EXPECT_EQ(compound->addNode(node, kFailOnClash), DmStatus::kSuccess);
-        return node;
-    }
-
-    std::shared_ptr<DmNode> self() const { return compound->getSelfNode(); }
-
-    static std::shared_ptr<DmPort> port(std::shared_ptr<DmNode> const& node, std::string const& name) {
-        auto found = (*node)[name];
-        EXPECT_NE(found, nullptr) << name;
-        return found;
-    }
-
-    std::shared_ptr<DmPort> selfPort(std::string const& name) const { return port(self(), name); }
-
-    DmStatus connect(std::shared_ptr<DmPort> const& source, std::shared_ptr<DmPort> const& target,
-                     Failure& failure, bool replace = false) {
-        std::shared_ptr<DmConnection> made;
-        return compound->makeConnection(source, target, replace, made, failure);
-    }
-
-    DmStatus connect(std::string const& source, std::string const& target, Failure& failure,
-                     bool replace = false) {
-        std::shared_ptr<DmConnection> made;
-        return compound->makeConnection(source, target, replace, made, failure);
-    }
-
-    std::shared_ptr<DmMessageLogger> logger;
-    std::shared_ptr<DmCompound> compound;
-    std::shared_ptr<DmNode> n1;
-    std::shared_ptr<DmNode> n2;
-    std::shared_ptr<DmNode> n3;
-};
 
 /// The reports of a log, in order.
 std::vector<std::shared_ptr<DmMessageReport>> reportsOf(DmMessageLogger const& logger) {
@@ -189,8 +105,8 @@ void expectConnectionReport(DmMessageLogger const& logger, std::string const& so
 TEST_F(DmConnectionMessagesTest, RedundantConnectionIsAnErrorAboutTheTargetNode) {
     Scene scene;
     Failure failure = DmCompound::kConnectionOk;
-    ASSERT_EQ(scene.connect("n1.out", "n2.a", failure), DmStatus::kSuccess);
-    EXPECT_EQ(scene.connect("n1.out", "n2.a", failure), DmStatus::kInvalidArgument);
+    ASSERT_EQ(scene.attempt("n1.out", "n2.a", failure), DmStatus::kSuccess);
+    EXPECT_EQ(scene.attempt("n1.out", "n2.a", failure), DmStatus::kInvalidArgument);
     EXPECT_EQ(failure, DmCompound::kConnectionRedundant);
     expectConnectionReport(*scene.logger, "n1.out", "n2.a", "(redundant connection)",
                            BaMessageTypes::kMessageError, scene.n2.get(), "n2");
@@ -222,8 +138,8 @@ TEST_F(DmConnectionMessagesTest, RedundantConnectionBetweenPortsAAndBReadsInFull
 TEST_F(DmConnectionMessagesTest, TakenTargetIsAnErrorAboutTheTargetNode) {
     Scene scene;
     Failure failure = DmCompound::kConnectionOk;
-    ASSERT_EQ(scene.connect("n1.out", "n2.a", failure), DmStatus::kSuccess);
-    EXPECT_EQ(scene.connect("n3.out", "n2.a", failure), DmStatus::kInvalidArgument);
+    ASSERT_EQ(scene.attempt("n1.out", "n2.a", failure), DmStatus::kSuccess);
+    EXPECT_EQ(scene.attempt("n3.out", "n2.a", failure), DmStatus::kInvalidArgument);
     EXPECT_EQ(failure, DmCompound::kConnectionTargetTaken);
     expectConnectionReport(*scene.logger, "n3.out", "n2.a", "(target already connected)",
                            BaMessageTypes::kMessageError, scene.n2.get(), "n2");
@@ -232,11 +148,9 @@ TEST_F(DmConnectionMessagesTest, TakenTargetIsAnErrorAboutTheTargetNode) {
 
 TEST_F(DmConnectionMessagesTest, NodeOutsideCompoundIsAWarningAboutTheCompound) {
     Scene scene;
-    auto const stray = DmNode::createNode("stray", makeOpDef());
-    Failure failure = DmCompound::kConnectionOk;
-    EXPECT_EQ(scene.connect(Scene::port(stray, "out"), Scene::port(scene.n2, "a"), failure),
-              DmStatus::kInvalidArgument);
-    EXPECT_EQ(failure, DmCompound::kConnectionNodesNotInCompound);
+    auto const stray = DmNode::createNode("stray", makeSceneOp());
+    EXPECT_TRUE(scene.refusedAs(Scene::port(stray, "out"), Scene::port(scene.n2, "a"),
+                                DmCompound::kConnectionNodesNotInCompound));
     expectConnectionReport(*scene.logger, "stray.out", "n2.a", "(source or target nodes are not in compound)",
                            BaMessageTypes::kMessageWarning, scene.compound.get(), "comp");
     EXPECT_EQ(scene.logger->getWarningCount(), 1u);
@@ -245,56 +159,44 @@ TEST_F(DmConnectionMessagesTest, NodeOutsideCompoundIsAWarningAboutTheCompound) 
 
 TEST_F(DmConnectionMessagesTest, TargetOutsideCompoundIsAWarningAboutTheCompound) {
     Scene scene;
-    auto const stray = DmNode::createNode("stray", makeOpDef());
-    Failure failure = DmCompound::kConnectionOk;
-    EXPECT_EQ(scene.connect(scene.selfPort("x"), Scene::port(stray, "a"), failure),
-              DmStatus::kInvalidArgument);
-    EXPECT_EQ(failure, DmCompound::kConnectionNodesNotInCompound);
+    auto const stray = DmNode::createNode("stray", makeSceneOp());
+    EXPECT_TRUE(scene.refusedAs(scene.selfPort("x"), Scene::port(stray, "a"),
+                                DmCompound::kConnectionNodesNotInCompound));
     expectConnectionReport(*scene.logger, ".x", "stray.a", "(source or target nodes are not in compound)",
                            BaMessageTypes::kMessageWarning, scene.compound.get(), "comp");
 }
 
 TEST_F(DmConnectionMessagesTest, MissingSourceNodeIsAWarningAboutTheCompound) {
     Scene scene;
-    Failure failure = DmCompound::kConnectionOk;
-    EXPECT_EQ(scene.connect("ghost.out", "n2.a", failure), DmStatus::kInvalidArgument);
-    EXPECT_EQ(failure, DmCompound::kConnectionNodesNotInCompound);
+    EXPECT_TRUE(scene.refusedAs("ghost.out", "n2.a", DmCompound::kConnectionNodesNotInCompound));
     expectConnectionReport(*scene.logger, "ghost.out", "n2.a", "(source or target nodes are not in compound)",
                            BaMessageTypes::kMessageWarning, scene.compound.get(), "comp");
 }
 
 TEST_F(DmConnectionMessagesTest, MissingTargetNodeIsAWarningAboutTheCompound) {
     Scene scene;
-    Failure failure = DmCompound::kConnectionOk;
-    EXPECT_EQ(scene.connect(".x", "ghost.a", failure), DmStatus::kInvalidArgument);
-    EXPECT_EQ(failure, DmCompound::kConnectionNodesNotInCompound);
+    EXPECT_TRUE(scene.refusedAs(".x", "ghost.a", DmCompound::kConnectionNodesNotInCompound));
     expectConnectionReport(*scene.logger, ".x", "ghost.a", "(source or target nodes are not in compound)",
                            BaMessageTypes::kMessageWarning, scene.compound.get(), "comp");
 }
 
 TEST_F(DmConnectionMessagesTest, MissingSourcePortIsAWarningAboutTheSourceNode) {
     Scene scene;
-    Failure failure = DmCompound::kConnectionOk;
-    EXPECT_EQ(scene.connect("n1.nope", "n2.a", failure), DmStatus::kInvalidArgument);
-    EXPECT_EQ(failure, DmCompound::kConnectionSourcePortMissing);
+    EXPECT_TRUE(scene.refusedAs("n1.nope", "n2.a", DmCompound::kConnectionSourcePortMissing));
     expectConnectionReport(*scene.logger, "n1.nope", "n2.a", "(source port not found on node)",
                            BaMessageTypes::kMessageWarning, scene.n1.get(), "n1");
 }
 
 TEST_F(DmConnectionMessagesTest, MissingTargetPortIsAWarningAboutTheTargetNode) {
     Scene scene;
-    Failure failure = DmCompound::kConnectionOk;
-    EXPECT_EQ(scene.connect("n1.out", "n2.nope", failure), DmStatus::kInvalidArgument);
-    EXPECT_EQ(failure, DmCompound::kConnectionTargetPortMissing);
+    EXPECT_TRUE(scene.refusedAs("n1.out", "n2.nope", DmCompound::kConnectionTargetPortMissing));
     expectConnectionReport(*scene.logger, "n1.out", "n2.nope", "(target port not found on node)",
                            BaMessageTypes::kMessageWarning, scene.n2.get(), "n2");
 }
 
 TEST_F(DmConnectionMessagesTest, MissingPortOfTheSelfNodeIsAWarningAboutTheSelfNode) {
     Scene scene;
-    Failure failure = DmCompound::kConnectionOk;
-    EXPECT_EQ(scene.connect("n1.out", ".nope", failure), DmStatus::kInvalidArgument);
-    EXPECT_EQ(failure, DmCompound::kConnectionTargetPortMissing);
+    EXPECT_TRUE(scene.refusedAs("n1.out", ".nope", DmCompound::kConnectionTargetPortMissing));
     // The self node is named as its compound.
     expectConnectionReport(*scene.logger, "n1.out", ".nope", "(target port not found on node)",
                            BaMessageTypes::kMessageWarning, scene.self().get(), "comp");
@@ -308,7 +210,7 @@ TEST_F(DmConnectionMessagesTest, PathWithMissingPortIsNamedAsGiven) {
     auto const add = scene.addNode("add", makeAddDef());
     std::shared_ptr<DmPort> entry;
     ASSERT_EQ(add->addMultiInPortEntry("term", entry), DmStatus::kSuccess);
-    EXPECT_EQ(scene.connect(".x", "add.lhs.term", failure), DmStatus::kInvalidArgument);
+    EXPECT_EQ(scene.attempt(".x", "add.lhs.term", failure), DmStatus::kInvalidArgument);
     EXPECT_EQ(failure, DmCompound::kConnectionTargetPortMissing);
     expectConnectionReport(*scene.logger, ".x", "add.lhs.term", "(target port not found on node)",
                            BaMessageTypes::kMessageWarning, add.get(), "add");
@@ -316,10 +218,8 @@ TEST_F(DmConnectionMessagesTest, PathWithMissingPortIsNamedAsGiven) {
 
 TEST_F(DmConnectionMessagesTest, PlainNodeFeedingItselfIsAWarningAboutTheSourceNode) {
     Scene scene;
-    Failure failure = DmCompound::kConnectionOk;
-    EXPECT_EQ(scene.connect(Scene::port(scene.n1, "out"), Scene::port(scene.n1, "a"), failure),
-              DmStatus::kInvalidArgument);
-    EXPECT_EQ(failure, DmCompound::kConnectionSingleNode);
+    EXPECT_TRUE(scene.refusedAs(Scene::port(scene.n1, "out"), Scene::port(scene.n1, "a"),
+                                DmCompound::kConnectionSingleNode));
     expectConnectionReport(*scene.logger, "n1.out", "n1.a",
                            "(single node connections can only be between internal ports)",
                            BaMessageTypes::kMessageWarning, scene.n1.get(), "n1");
@@ -327,41 +227,33 @@ TEST_F(DmConnectionMessagesTest, PlainNodeFeedingItselfIsAWarningAboutTheSourceN
 
 TEST_F(DmConnectionMessagesTest, SourceNotOutputIsAWarningAboutTheSourceNode) {
     Scene scene;
-    Failure failure = DmCompound::kConnectionOk;
-    EXPECT_EQ(scene.connect(Scene::port(scene.n1, "a"), Scene::port(scene.n2, "a"), failure),
-              DmStatus::kInvalidArgument);
-    EXPECT_EQ(failure, DmCompound::kConnectionSourceNotOutput);
+    EXPECT_TRUE(scene.refusedAs(Scene::port(scene.n1, "a"), Scene::port(scene.n2, "a"),
+                                DmCompound::kConnectionSourceNotOutput));
     expectConnectionReport(*scene.logger, "n1.a", "n2.a", "(source is not an output)",
                            BaMessageTypes::kMessageWarning, scene.n1.get(), "n1");
 }
 
 TEST_F(DmConnectionMessagesTest, TargetNotInputIsAWarningAboutTheTargetNode) {
     Scene scene;
-    Failure failure = DmCompound::kConnectionOk;
-    EXPECT_EQ(scene.connect(Scene::port(scene.n1, "out"), Scene::port(scene.n2, "out"), failure),
-              DmStatus::kInvalidArgument);
-    EXPECT_EQ(failure, DmCompound::kConnectionTargetNotInput);
+    EXPECT_TRUE(scene.refusedAs(Scene::port(scene.n1, "out"), Scene::port(scene.n2, "out"),
+                                DmCompound::kConnectionTargetNotInput));
     expectConnectionReport(*scene.logger, "n1.out", "n2.out", "(target is not an input)",
                            BaMessageTypes::kMessageWarning, scene.n2.get(), "n2");
 }
 
 TEST_F(DmConnectionMessagesTest, SelfNodePortsAreNamedWithALeadingDot) {
     Scene scene;
-    Failure failure = DmCompound::kConnectionOk;
     // The compound output y is an input inside: no source.
-    EXPECT_EQ(scene.connect(scene.selfPort("y"), Scene::port(scene.n1, "a"), failure),
-              DmStatus::kInvalidArgument);
-    EXPECT_EQ(failure, DmCompound::kConnectionSourceNotOutput);
+    EXPECT_TRUE(scene.refusedAs(scene.selfPort("y"), Scene::port(scene.n1, "a"),
+                                DmCompound::kConnectionSourceNotOutput));
     expectConnectionReport(*scene.logger, ".y", "n1.a", "(source is not an output)",
                            BaMessageTypes::kMessageWarning, scene.self().get(), "comp");
 }
 
 TEST_F(DmConnectionMessagesTest, SelfNodeTargetNotInputIsAboutTheSelfNode) {
     Scene scene;
-    Failure failure = DmCompound::kConnectionOk;
-    EXPECT_EQ(scene.connect(Scene::port(scene.n1, "out"), scene.selfPort("x"), failure),
-              DmStatus::kInvalidArgument);
-    EXPECT_EQ(failure, DmCompound::kConnectionTargetNotInput);
+    EXPECT_TRUE(scene.refusedAs(Scene::port(scene.n1, "out"), scene.selfPort("x"),
+                                DmCompound::kConnectionTargetNotInput));
     expectConnectionReport(*scene.logger, "n1.out", ".x", "(target is not an input)",
                            BaMessageTypes::kMessageWarning, scene.self().get(), "comp");
 }
@@ -372,8 +264,8 @@ TEST_F(DmConnectionMessagesTest, EntriesAreNamedBelowTheirPort) {
     std::shared_ptr<DmPort> entry;
     ASSERT_EQ(add->addMultiInPortEntry("term", entry), DmStatus::kSuccess);
     Failure failure = DmCompound::kConnectionOk;
-    ASSERT_EQ(scene.connect(Scene::port(scene.n1, "out"), entry, failure), DmStatus::kSuccess);
-    EXPECT_EQ(scene.connect(Scene::port(scene.n1, "out"), entry, failure), DmStatus::kInvalidArgument);
+    ASSERT_EQ(scene.attempt(Scene::port(scene.n1, "out"), entry, failure), DmStatus::kSuccess);
+    EXPECT_EQ(scene.attempt(Scene::port(scene.n1, "out"), entry, failure), DmStatus::kInvalidArgument);
     EXPECT_EQ(failure, DmCompound::kConnectionRedundant);
     expectConnectionReport(*scene.logger, "n1.out", "add.lhs.term", "(redundant connection)",
                            BaMessageTypes::kMessageError, add.get(), "add");
@@ -386,8 +278,8 @@ TEST_F(DmConnectionMessagesTest, FanInEntriesAreNamedBelowTheirPort) {
     std::shared_ptr<DmPort> entry;
     ASSERT_EQ(b->addMultiInPortEntry("item", entry), DmStatus::kSuccess);
     Failure failure = DmCompound::kConnectionOk;
-    ASSERT_EQ(scene.connect(Scene::port(scene.n1, "out"), entry, failure), DmStatus::kSuccess);
-    EXPECT_EQ(scene.connect(Scene::port(scene.n2, "out"), entry, failure), DmStatus::kInvalidArgument);
+    ASSERT_EQ(scene.attempt(Scene::port(scene.n1, "out"), entry, failure), DmStatus::kSuccess);
+    EXPECT_EQ(scene.attempt(Scene::port(scene.n2, "out"), entry, failure), DmStatus::kInvalidArgument);
     EXPECT_EQ(failure, DmCompound::kConnectionTargetTaken);
     expectConnectionReport(*scene.logger, "n2.out", "n3.b.item", "(target already connected)",
                            BaMessageTypes::kMessageError, scene.n3.get(), "n3");
@@ -438,9 +330,9 @@ TEST_F(DmConnectionMessagesTest, BreakingTwoEntryInputsNamesTheEntries) {
 TEST_F(DmConnectionMessagesTest, SuccessfulConnectionsAndBreaksReportNothing) {
     Scene scene;
     Failure failure = DmCompound::kConnectionOk;
-    EXPECT_EQ(scene.connect("n1.out", "n2.a", failure), DmStatus::kSuccess);
-    EXPECT_EQ(scene.connect(".x", ".y", failure), DmStatus::kSuccess);
-    EXPECT_EQ(scene.connect("n3.out", "n2.a", failure, true), DmStatus::kSuccessReplaced);
+    EXPECT_EQ(scene.attempt("n1.out", "n2.a", failure), DmStatus::kSuccess);
+    EXPECT_EQ(scene.attempt(".x", ".y", failure), DmStatus::kSuccess);
+    EXPECT_EQ(scene.attempt("n3.out", "n2.a", failure, true), DmStatus::kSuccessReplaced);
     EXPECT_EQ(scene.compound->breakConnection(Scene::port(scene.n3, "out"), Scene::port(scene.n2, "a")),
               DmStatus::kSuccess);
     EXPECT_EQ(scene.compound->breakAllConnections(), DmStatus::kSuccess);
@@ -452,15 +344,15 @@ TEST_F(DmConnectionMessagesTest, PortsConnectedThroughEntriesAreRefusedSilently)
     auto const add = scene.addNode("add", makeAddDef());
     ASSERT_EQ(Scene::port(scene.n3, "a")->setFanIn(true), DmStatus::kSuccess);
     Failure failure = DmCompound::kConnectionOk;
-    EXPECT_EQ(scene.connect(Scene::port(scene.n1, "out"), add->getMultiInPort(), failure),
+    EXPECT_EQ(scene.attempt(Scene::port(scene.n1, "out"), add->getMultiInPort(), failure),
               DmStatus::kInvalidArgument);
-    EXPECT_EQ(scene.connect(Scene::port(scene.n1, "out"), Scene::port(scene.n3, "a"), failure),
+    EXPECT_EQ(scene.attempt(Scene::port(scene.n1, "out"), Scene::port(scene.n3, "a"), failure),
               DmStatus::kInvalidArgument);
-    EXPECT_EQ(scene.connect("n1.out", "n3.a", failure), DmStatus::kInvalidArgument);
+    EXPECT_EQ(scene.attempt("n1.out", "n3.a", failure), DmStatus::kInvalidArgument);
     // Even when the source lies on the same node.
-    EXPECT_EQ(scene.connect(Scene::port(add, "result"), add->getMultiInPort(), failure),
+    EXPECT_EQ(scene.attempt(Scene::port(add, "result"), add->getMultiInPort(), failure),
               DmStatus::kInvalidArgument);
-    EXPECT_EQ(scene.connect(Scene::port(scene.n3, "out"), Scene::port(scene.n3, "a"), failure),
+    EXPECT_EQ(scene.attempt(Scene::port(scene.n3, "out"), Scene::port(scene.n3, "a"), failure),
               DmStatus::kInvalidArgument);
     EXPECT_EQ(failure, DmCompound::kConnectionOk);
     EXPECT_EQ(scene.logger->getMessageCount(), 0u);
@@ -469,12 +361,12 @@ TEST_F(DmConnectionMessagesTest, PortsConnectedThroughEntriesAreRefusedSilently)
 TEST_F(DmConnectionMessagesTest, NullPortsAndEmptyPathsAreRefusedSilently) {
     Scene scene;
     Failure failure = DmCompound::kConnectionOk;
-    EXPECT_EQ(scene.connect(nullptr, Scene::port(scene.n2, "a"), failure), DmStatus::kInvalidArgument);
+    EXPECT_EQ(scene.attempt(nullptr, Scene::port(scene.n2, "a"), failure), DmStatus::kInvalidArgument);
     // A null target beats a source whose node would be refused.
-    EXPECT_EQ(scene.connect(Scene::port(scene.n1, "out"), nullptr, failure), DmStatus::kInvalidArgument);
-    EXPECT_EQ(scene.connect(Scene::port(scene.n1, "a"), nullptr, failure), DmStatus::kInvalidArgument);
-    EXPECT_EQ(scene.connect(std::string(), "n2.a", failure), DmStatus::kInvalidArgument);
-    EXPECT_EQ(scene.connect("n1.out", std::string(), failure), DmStatus::kInvalidArgument);
+    EXPECT_EQ(scene.attempt(Scene::port(scene.n1, "out"), nullptr, failure), DmStatus::kInvalidArgument);
+    EXPECT_EQ(scene.attempt(Scene::port(scene.n1, "a"), nullptr, failure), DmStatus::kInvalidArgument);
+    EXPECT_EQ(scene.attempt(std::string(), "n2.a", failure), DmStatus::kInvalidArgument);
+    EXPECT_EQ(scene.attempt("n1.out", std::string(), failure), DmStatus::kInvalidArgument);
     EXPECT_EQ(scene.compound->breakConnection(nullptr, Scene::port(scene.n2, "a")),
               DmStatus::kInvalidArgument);
     EXPECT_EQ(failure, DmCompound::kConnectionOk);
@@ -504,7 +396,7 @@ TEST_F(DmConnectionMessagesTest, ReportsGoToTheLibraryLogWhenTheCompoundHasALibr
         Scene scene;
         scene.compound->setLibrary(library.get());
         Failure failure = DmCompound::kConnectionOk;
-        EXPECT_EQ(scene.connect("n1.nope", "n2.a", failure), DmStatus::kInvalidArgument);
+        EXPECT_EQ(scene.attempt("n1.nope", "n2.a", failure), DmStatus::kInvalidArgument);
         EXPECT_EQ(scene.compound->breakConnection(Scene::port(scene.n1, "a"), Scene::port(scene.n2, "a")),
                   DmStatus::kConnectionError);
         EXPECT_EQ(scene.logger->getMessageCount(), 0u);
@@ -528,7 +420,7 @@ TEST_F(DmConnectionMessagesTest, ReportsGoToTheCompoundLogWithoutALibrary) {
     Scene scene;
     ASSERT_EQ(scene.compound->getLibrary(), nullptr);
     Failure failure = DmCompound::kConnectionOk;
-    EXPECT_EQ(scene.connect("n1.out", "n2.out", failure), DmStatus::kInvalidArgument);
+    EXPECT_EQ(scene.attempt("n1.out", "n2.out", failure), DmStatus::kInvalidArgument);
     EXPECT_EQ(libraryLog->getMessageCount(), 0u);
     expectConnectionReport(*scene.logger, "n1.out", "n2.out", "(target is not an input)",
                            BaMessageTypes::kMessageWarning, scene.n2.get(), "n2");
@@ -538,7 +430,7 @@ TEST_F(DmConnectionMessagesTest, RefusalWithoutAnyLogStillRefuses) {
     auto const compound = DmCompound::createCompound("comp", nullptr);
     ASSERT_NE(compound, nullptr);
     compound->initialize();
-    auto const def = makeOpDef();
+    auto const def = makeSceneOp();
     auto const n1 = DmNode::createNode("n1", def);
     ASSERT_EQ(compound->addNode(n1, kFailOnClash), DmStatus::kSuccess);
     std::shared_ptr<DmConnection> made;
@@ -551,11 +443,11 @@ TEST_F(DmConnectionMessagesTest, RefusalWithoutAnyLogStillRefuses) {
 TEST_F(DmConnectionMessagesTest, EachRefusalAddsOneReportInOrder) {
     Scene scene;
     Failure failure = DmCompound::kConnectionOk;
-    ASSERT_EQ(scene.connect("n1.out", "n2.a", failure), DmStatus::kSuccess);
-    EXPECT_EQ(scene.connect("n1.out", "n2.a", failure), DmStatus::kInvalidArgument);
-    EXPECT_EQ(scene.connect("n3.out", "n2.a", failure), DmStatus::kInvalidArgument);
-    EXPECT_EQ(scene.connect("n1.a", "n2.b", failure), DmStatus::kInvalidArgument);
-    EXPECT_EQ(scene.connect("n1.out", "n1.b", failure), DmStatus::kInvalidArgument);
+    ASSERT_EQ(scene.attempt("n1.out", "n2.a", failure), DmStatus::kSuccess);
+    EXPECT_EQ(scene.attempt("n1.out", "n2.a", failure), DmStatus::kInvalidArgument);
+    EXPECT_EQ(scene.attempt("n3.out", "n2.a", failure), DmStatus::kInvalidArgument);
+    EXPECT_EQ(scene.attempt("n1.a", "n2.b", failure), DmStatus::kInvalidArgument);
+    EXPECT_EQ(scene.attempt("n1.out", "n1.b", failure), DmStatus::kInvalidArgument);
     auto const reports = reportsOf(*scene.logger);
     ASSERT_EQ(reports.size(), 4u);
     EXPECT_EQ(reports[0]->getDescription(), connectionText("n1.out", "n2.a", "(redundant connection)"));
@@ -571,7 +463,7 @@ TEST_F(DmConnectionMessagesTest, EachRefusalAddsOneReportInOrder) {
 TEST_F(DmConnectionMessagesTest, ReportDoesNotKeepItsNodeAlive) {
     Scene scene;
     Failure failure = DmCompound::kConnectionOk;
-    EXPECT_EQ(scene.connect("n1.out", "n1.a", failure), DmStatus::kInvalidArgument);
+    EXPECT_EQ(scene.attempt("n1.out", "n1.a", failure), DmStatus::kInvalidArgument);
     auto const report = onlyReportOf(*scene.logger);
     ASSERT_NE(report, nullptr);
     ASSERT_EQ(scene.compound->removeNode(scene.n1), DmStatus::kSuccess);

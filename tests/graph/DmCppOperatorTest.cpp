@@ -29,6 +29,7 @@ using KestoTest::makeNamespace;
 using KestoTest::namesOf;
 using KestoTest::output;
 using KestoTest::portNames;
+using KestoTest::setOf;
 
 namespace {
 
@@ -61,12 +62,6 @@ struct Scale {
         op->associatePorts(value, result);
     }
 };
-
-std::shared_ptr<DmOverloadSet> setOf(DmScope const& scope, std::string const& name) {
-    std::shared_ptr<DmOverloadSet> set;
-    scope.findNodeDef(name, set);
-    return set;
-}
 
 class DmCppOperatorTest : public KestoTest::OperatorTest {};
 

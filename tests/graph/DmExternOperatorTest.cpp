@@ -22,6 +22,7 @@ using KestoTest::input;
 using KestoTest::makeNamespace;
 using KestoTest::output;
 using KestoTest::portNames;
+using KestoTest::setOf;
 
 namespace {
 
@@ -39,12 +40,6 @@ std::shared_ptr<DmExternOperator> makeAdder() {
     op->addPortDescription(input("b", DmLibrary::getIntType()), kFailOnClash);
     op->addPortDescription(output("sum", DmLibrary::getIntType()), kFailOnClash);
     return op;
-}
-
-std::shared_ptr<DmOverloadSet> setOf(DmScope const& scope, std::string const& name) {
-    std::shared_ptr<DmOverloadSet> set;
-    scope.findNodeDef(name, set);
-    return set;
 }
 
 class DmExternOperatorTest : public KestoTest::OperatorTest {};

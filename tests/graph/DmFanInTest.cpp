@@ -2,7 +2,7 @@
 // their entries, toggling fan-in moves the connection between the port and its
 // first entry, and removing an entry, a port or a node takes the entries'
 // connections along.
-#include "graph/ModelTestSupport.h"
+#include "graph/CompoundTestSupport.h"
 
 #include <KestoDM/foundation/DmNameResolution.h>
 #include <KestoDM/foundation/DmStatus.h>
@@ -28,33 +28,18 @@ namespace {
 using namespace Kesto;
 using KestoTest::input;
 using KestoTest::keysOf;
-using KestoTest::makeLogger;
+using KestoTest::makeOp;
 using KestoTest::makeStruct;
 using KestoTest::output;
 
 using Names = std::vector<std::string>;
 
-/// "source->target" paths of connections: "node.port", ".port" on the self
-/// node, entries behind their port.
-std::string pathOf(DmPort const& port) {
-    if (port.getParent() != nullptr) {
-        return pathOf(*port.getParent()) + "." + port.getName();
-    }
-    return (port.getNode()->isSelfNode() ? std::string() : port.getNode()->getName()) + "." + port.getName();
-}
-
-class DmFanInTest : public KestoTest::ModelTest {
+class DmFanInTest : public KestoTest::CompoundTest {
 protected:
     void SetUp() override {
-        ModelTest::SetUp();
-        m_compounds = count<DmCompound>();
-        m_connections = count<DmConnection>();
-        m_scopes = count<DmScope>();
+        CompoundTest::SetUp();
         m_op = makeOp();
-        m_compound = DmCompound::createCompound("graph", m_logger);
-        m_compound->initialize();
-        m_compound->addPortDescription(input("a", DmLibrary::getIntType()), kFailOnClash);
-        m_compound->addPortDescription(output("r", DmLibrary::getIntType()), kFailOnClash);
+        m_compound = makeCompoundWithPorts();
         m_source = addNode("src", m_op);
         m_other = addNode("other", m_op);
         m_sink = addNode("sink", m_op);
@@ -66,34 +51,19 @@ protected:
         m_source.reset();
         m_compound.reset();
         m_op.reset();
-        EXPECT_EQ(count<DmCompound>(), m_compounds) << "compounds left alive";
-        EXPECT_EQ(count<DmConnection>(), m_connections) << "connections left alive";
-        EXPECT_EQ(count<DmScope>(), m_scopes) << "scopes left alive";
-        ModelTest::TearDown();
-    }
-
-    /// "op": the int input "in" and the int output "out".
-    static std::shared_ptr<DmNativeNodeDef> makeOp() {
-        auto def = DmNativeNodeDef::newNativeNodeDef("op", DmNativeNodeDef::kPass);
-        def->addPortDescription(input("in", DmLibrary::getIntType()), kFailOnClash);
-        def->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
-        return def;
+        CompoundTest::TearDown();
     }
 
     std::shared_ptr<DmNode> addNode(std::string const& name, std::shared_ptr<DmNodeDef> const& def) {
-        auto node = DmNode::createNode(name, def);
-        EXPECT_EQ(m_compound->addNode(node, kFailOnClash), DmStatus::kSuccess);
-        return node;
+        return KestoTest::addNode(*m_compound, name, def);
     }
 
     DmStatus connect(std::shared_ptr<DmPort> const& source, std::shared_ptr<DmPort> const& target) {
-        std::shared_ptr<DmConnection> connection;
-        return m_compound->makeConnection(source, target, connection);
+        return KestoTest::connect(*m_compound, source, target);
     }
 
     DmStatus connect(std::string const& source, std::string const& target) {
-        std::shared_ptr<DmConnection> connection;
-        return m_compound->makeConnection(source, target, connection);
+        return KestoTest::connect(*m_compound, source, target);
     }
 
     std::shared_ptr<DmPort> entry(std::shared_ptr<DmPort> const& port, std::string const& name) {
@@ -102,43 +72,23 @@ protected:
         return added;
     }
 
-    std::vector<std::string> connections() const {
-        std::vector<std::string> list;
-        for (auto const& connection : m_compound->getConnections()) {
-            list.push_back(pathOf(*connection->getSourcePort()) + "->" +
-                           pathOf(*connection->getTargetPort()));
-        }
-        return list;
-    }
+    /// "source->target" for each connection: "node.port", ".port" on the self
+    /// node, entries behind their port.
+    std::vector<std::string> connections() const { return KestoTest::connectionsOf(*m_compound, "->"); }
 
     std::shared_ptr<DmPort> out(DmNode const& node) const { return node["out"]; }
     std::shared_ptr<DmPort> in(DmNode const& node) const { return node["in"]; }
 
-    std::shared_ptr<DmMessageLogger> m_logger = makeLogger();
     std::shared_ptr<DmNativeNodeDef> m_op;
     std::shared_ptr<DmCompound> m_compound;
     std::shared_ptr<DmNode> m_source;
     std::shared_ptr<DmNode> m_other;
     std::shared_ptr<DmNode> m_sink;
-
-private:
-    unsigned int m_compounds = 0;
-    unsigned int m_connections = 0;
-    unsigned int m_scopes = 0;
 };
 
 /// An associative "add": the associative int inputs x and y, the int output sum.
 std::shared_ptr<DmNativeNodeDef> makeAdd() {
-    auto def = DmNativeNodeDef::newNativeNodeDef("add", DmNativeNodeDef::kPass);
-    def->setAssociativity(DmNodeDef::kLeftToRight);
-    auto x = input("x", DmLibrary::getIntType());
-    auto y = input("y", DmLibrary::getIntType());
-    def->addPortDescription(x, kFailOnClash);
-    def->addPortDescription(y, kFailOnClash);
-    def->addPortDescription(output("sum", DmLibrary::getIntType()), kFailOnClash);
-    x->setAssociative(true);
-    y->setAssociative(true);
-    return def;
+    return KestoTest::makeAssociativeDef("x", "y", "sum");
 }
 
 } // namespace

@@ -21,6 +21,7 @@ using namespace Kesto;
 using KestoTest::arrayOf;
 using KestoTest::input;
 using KestoTest::insideOf;
+using KestoTest::loopingSelfNodeOf;
 using KestoTest::makeForEach;
 using KestoTest::makeLogger;
 using KestoTest::makeUnknownType;
@@ -42,8 +43,6 @@ protected:
         loop->addPortDescription(output("total", m_intArray), kFailOnClash);
         return loop;
     }
-
-    std::shared_ptr<DmArrayType> const m_intArray = arrayOf(DmLibrary::getIntType());
 };
 
 } // namespace
@@ -53,8 +52,7 @@ protected:
 
 TEST_F(DmForEachCompoundTest, ForEachLoopRunsOverArrays) {
     auto const loop = makeForEach();
-    auto const* const selfNode =
-        dynamic_cast<DmLoopingCompound::DmLoopingSelfNode const*>(loop->getInternalSelfNode().get());
+    auto const* const selfNode = loopingSelfNodeOf(*loop);
     ASSERT_NE(selfNode, nullptr);
     EXPECT_TRUE(selfNode->isArrayLoop());
     EXPECT_STREQ(DmForEachCompound::kIcon, "../icons/LoopForEach.svg");

@@ -9,6 +9,7 @@
 #include <KestoDM/types/DmBaseValue.h>
 
 #include "graph/GraphTestSupport.h"
+#include "library/LibraryTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -20,6 +21,7 @@
 using namespace Kesto;
 using KestoTest::fullName;
 using KestoTest::keysOf;
+using KestoTest::makeLibrary;
 using KestoTest::makeLogger;
 using KestoTest::makeNamespace;
 
@@ -60,10 +62,6 @@ protected:
         return DmInstanceCounter<T>::getInstanceCount();
     }
 
-    static std::shared_ptr<DmLibrary> makeLibrary() {
-        return DmLibrary::newLibrary(std::make_shared<BaContext>(), nullptr, DmExternOperator::kSafe);
-    }
-
     static std::shared_ptr<DmGlobalVariable> makeVariable(std::string const& name) {
         auto variable = DmGlobalVariable::createGlobalVariable(name, kNameVerbatim);
         EXPECT_NE(variable, nullptr);
@@ -78,6 +76,23 @@ protected:
     }
 
     static Names filedNames(DmNamespace const& ns) { return keysOf(*ns.getGlobalVariables()); }
+
+    /// Two variables "v": `mover`, placed in `from`, tried to move to `to`,
+    /// where `holder` sits, and was refused.
+    struct Clash {
+        std::shared_ptr<DmNamespace> from;
+        std::shared_ptr<DmNamespace> to;
+        std::shared_ptr<DmGlobalVariable> mover;
+        std::shared_ptr<DmGlobalVariable> holder;
+    };
+
+    static Clash lostClash() {
+        Clash clash{makeNamespace("from"), makeNamespace("to"), makeVariable("v"), makeVariable("v")};
+        EXPECT_EQ(clash.mover->setNamespace(clash.from.get(), kFailOnClash), DmStatus::kSuccess);
+        EXPECT_EQ(clash.holder->setNamespace(clash.to.get(), kFailOnClash), DmStatus::kSuccess);
+        EXPECT_EQ(clash.mover->setNamespace(clash.to.get(), kFailOnClash), DmStatus::kFailure);
+        return clash;
+    }
 
 private:
     unsigned int m_variables = 0;
@@ -466,13 +481,8 @@ TEST_F(DmGlobalVariableTest, AfterAClashTheVariableIsInNoMapButStillNamesTheOldN
 }
 
 TEST_F(DmGlobalVariableTest, AfterAClashTakingOutClearsTheNamespace) {
-    auto const from = makeNamespace("from");
-    auto const to = makeNamespace("to");
-    auto const mover = makeVariable("v");
-    auto const holder = makeVariable("v");
-    ASSERT_EQ(mover->setNamespace(from.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(holder->setNamespace(to.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(mover->setNamespace(to.get(), kFailOnClash), DmStatus::kFailure);
+    auto const [from, to, mover, holder] = lostClash();
+    ASSERT_FALSE(HasFailure()) << "the clash was not set up";
 
     EXPECT_EQ(mover->setNamespace(nullptr, kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(mover->getNamespace(), nullptr);
@@ -481,13 +491,8 @@ TEST_F(DmGlobalVariableTest, AfterAClashTakingOutClearsTheNamespace) {
 }
 
 TEST_F(DmGlobalVariableTest, AfterAClashPlacingInTheOldNamespaceSucceedsWithoutFilingIt) {
-    auto const from = makeNamespace("from");
-    auto const to = makeNamespace("to");
-    auto const mover = makeVariable("v");
-    auto const holder = makeVariable("v");
-    ASSERT_EQ(mover->setNamespace(from.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(holder->setNamespace(to.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(mover->setNamespace(to.get(), kFailOnClash), DmStatus::kFailure);
+    auto const [from, to, mover, holder] = lostClash();
+    ASSERT_FALSE(HasFailure()) << "the clash was not set up";
 
     // The variable already names that namespace: nothing is done.
     EXPECT_EQ(mover->setNamespace(from.get(), kFailOnClash), DmStatus::kSuccess);
@@ -496,13 +501,8 @@ TEST_F(DmGlobalVariableTest, AfterAClashPlacingInTheOldNamespaceSucceedsWithoutF
 }
 
 TEST_F(DmGlobalVariableTest, AfterAClashTakingOutThenPlacingFilesTheVariableAgain) {
-    auto const from = makeNamespace("from");
-    auto const to = makeNamespace("to");
-    auto const mover = makeVariable("v");
-    auto const holder = makeVariable("v");
-    ASSERT_EQ(mover->setNamespace(from.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(holder->setNamespace(to.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(mover->setNamespace(to.get(), kFailOnClash), DmStatus::kFailure);
+    auto const [from, to, mover, holder] = lostClash();
+    ASSERT_FALSE(HasFailure()) << "the clash was not set up";
 
     ASSERT_EQ(mover->setNamespace(nullptr, kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(mover->setNamespace(from.get(), kFailOnClash), DmStatus::kSuccess);
@@ -511,14 +511,9 @@ TEST_F(DmGlobalVariableTest, AfterAClashTakingOutThenPlacingFilesTheVariableAgai
 }
 
 TEST_F(DmGlobalVariableTest, AfterAClashPlacingElsewhereFilesTheVariable) {
-    auto const from = makeNamespace("from");
-    auto const to = makeNamespace("to");
+    auto const [from, to, mover, holder] = lostClash();
+    ASSERT_FALSE(HasFailure()) << "the clash was not set up";
     auto const other = makeNamespace("other");
-    auto const mover = makeVariable("v");
-    auto const holder = makeVariable("v");
-    ASSERT_EQ(mover->setNamespace(from.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(holder->setNamespace(to.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(mover->setNamespace(to.get(), kFailOnClash), DmStatus::kFailure);
 
     EXPECT_EQ(mover->setNamespace(other.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(mover->getNamespace(), other.get());
@@ -528,14 +523,9 @@ TEST_F(DmGlobalVariableTest, AfterAClashPlacingElsewhereFilesTheVariable) {
 }
 
 TEST_F(DmGlobalVariableTest, TakingOutAVariableThatLostAClashLeavesTheNewcomerOfItsName) {
-    auto const from = makeNamespace("from");
-    auto const to = makeNamespace("to");
-    auto const mover = makeVariable("v");
-    auto const holder = makeVariable("v");
+    auto const [from, to, mover, holder] = lostClash();
+    ASSERT_FALSE(HasFailure()) << "the clash was not set up";
     auto const newcomer = makeVariable("v");
-    ASSERT_EQ(mover->setNamespace(from.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(holder->setNamespace(to.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(mover->setNamespace(to.get(), kFailOnClash), DmStatus::kFailure);
     ASSERT_EQ(newcomer->setNamespace(from.get(), kFailOnClash), DmStatus::kSuccess);
 
     EXPECT_EQ(mover->setNamespace(nullptr, kFailOnClash), DmStatus::kSuccess);

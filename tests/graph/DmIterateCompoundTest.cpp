@@ -16,6 +16,7 @@ using namespace Kesto;
 using KestoTest::arrayOf;
 using KestoTest::input;
 using KestoTest::insideOf;
+using KestoTest::loopingSelfNodeOf;
 using KestoTest::makeIterate;
 using KestoTest::output;
 using KestoTest::withRole;
@@ -35,8 +36,6 @@ protected:
         loop->addPortDescription(output("next", m_intArray), kFailOnClash);
         return loop;
     }
-
-    std::shared_ptr<DmArrayType> const m_intArray = arrayOf(DmLibrary::getIntType());
 };
 
 } // namespace
@@ -46,8 +45,7 @@ protected:
 
 TEST_F(DmIterateCompoundTest, IterateLoopRunsOverArrays) {
     auto const loop = makeIterate();
-    auto const* const selfNode =
-        dynamic_cast<DmLoopingCompound::DmLoopingSelfNode const*>(loop->getInternalSelfNode().get());
+    auto const* const selfNode = loopingSelfNodeOf(*loop);
     ASSERT_NE(selfNode, nullptr);
     EXPECT_TRUE(selfNode->isArrayLoop());
     EXPECT_STREQ(DmIterateCompound::kIcon, "../icons/LoopIterate.svg");

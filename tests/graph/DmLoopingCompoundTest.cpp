@@ -26,6 +26,7 @@ using KestoTest::arrayOf;
 using KestoTest::iconOf;
 using KestoTest::input;
 using KestoTest::insideOf;
+using KestoTest::loopingSelfNodeOf;
 using KestoTest::makeLogger;
 using KestoTest::makeUnknownType;
 using KestoTest::output;
@@ -99,8 +100,6 @@ protected:
         loop->addPortDescription(output("b", m_intArray), kFailOnClash);
         return loop;
     }
-
-    std::shared_ptr<DmArrayType> const m_intArray = arrayOf(DmLibrary::getIntType());
 };
 
 struct KindNames {
@@ -172,8 +171,7 @@ TYPED_TEST(DmLoopingCompoundTest, LoopCarriesTheIconOfItsKindFromConstruction) {
 
 TYPED_TEST(DmLoopingCompoundTest, InitializeMakesALoopingSelfNodeWithTheArrayFlagOfTheKind) {
     auto const loop = this->makeLoop();
-    auto const* const selfNode =
-        dynamic_cast<DmLoopingCompound::DmLoopingSelfNode const*>(loop->getInternalSelfNode().get());
+    auto const* const selfNode = loopingSelfNodeOf(*loop);
     ASSERT_NE(selfNode, nullptr);
     EXPECT_EQ(selfNode->isArrayLoop(), TypeParam::arrayLoop);
 }
@@ -214,8 +212,7 @@ TYPED_TEST(DmLoopingCompoundTest, CloneIsAnInitializedEmptyLoopOfTheSameKindAndN
     EXPECT_EQ(iconOf(*clone), TypeParam::icon);
     EXPECT_TRUE(clone->getNodes().empty());
     EXPECT_EQ(portNames(clone->getPortsInterface()), TypeParam::portsMade());
-    auto const* const selfNode =
-        dynamic_cast<DmLoopingCompound::DmLoopingSelfNode const*>(clone->getInternalSelfNode().get());
+    auto const* const selfNode = loopingSelfNodeOf(*clone);
     ASSERT_NE(selfNode, nullptr);
     EXPECT_EQ(selfNode->isArrayLoop(), TypeParam::arrayLoop);
     EXPECT_EQ(portNames(selfNode->getPorts()), TypeParam::portsMade());

@@ -14,6 +14,7 @@
 #include <KestoDM/platform/BaContext.h>
 
 #include "graph/ModelTestSupport.h"
+#include "library/LibraryTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -26,40 +27,13 @@ using KestoTest::input;
 using KestoTest::keysOf;
 using KestoTest::makeLogger;
 using KestoTest::makeNamespace;
+using KestoTest::makeUserDef;
 using KestoTest::output;
 using KestoTest::PlainScope;
+using KestoTest::setOf;
+using KestoTest::UserDef;
 
 namespace {
-
-/// A definition written by a host: an overload that is neither native nor a
-/// placeholder, free to move between scopes.
-class UserDef : public DmOverload {
-public:
-    explicit UserDef(std::string name) : DmOverload(std::move(name), true) {}
-
-    static std::shared_ptr<UserDef> make(std::string name) {
-        return std::make_shared<UserDef>(std::move(name));
-    }
-
-    DmStatus import(std::shared_ptr<DmScope> const&, DmNameResolutionType, std::string const&,
-                    std::shared_ptr<DmNodeDef>&, ImportErrorFlags) override {
-        return DmStatus::kSuccess;
-    }
-};
-
-/// `name` with the input "x" (int) and the output "out" (int).
-std::shared_ptr<UserDef> makeOp(std::string const& name = "op") {
-    auto def = UserDef::make(name);
-    def->addPortDescription(input("x", DmLibrary::getIntType()), kFailOnClash);
-    def->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
-    return def;
-}
-
-std::shared_ptr<DmOverloadSet> setOf(DmScope const& scope, std::string const& name) {
-    std::shared_ptr<DmOverloadSet> set;
-    scope.findNodeDef(name, set);
-    return set;
-}
 
 class DmNodeDefRegistrationTest : public KestoTest::ModelTest {};
 
@@ -70,7 +44,7 @@ class DmNodeDefRegistrationTest : public KestoTest::ModelTest {};
 
 TEST_F(DmNodeDefRegistrationTest, RegisterNodeDefMakesASetOfTheName) {
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     EXPECT_EQ(ns->registerNodeDef(def), DmStatus::kSuccess);
     EXPECT_EQ(def->getScope(), ns.get());
     EXPECT_EQ(keysOf(ns->getNodeDefs()), (std::vector<std::string>{"op"}));
@@ -88,15 +62,15 @@ TEST_F(DmNodeDefRegistrationTest, RegisterNodeDefMakesASetOfTheName) {
 TEST_F(DmNodeDefRegistrationTest, RegisterNodeDefKeepsTheOrderOfRegistration) {
     auto const ns = makeNamespace("geo");
     for (auto const& name : {"b", "a", "c"}) {
-        ASSERT_EQ(ns->registerNodeDef(makeOp(name)), DmStatus::kSuccess) << name;
+        ASSERT_EQ(ns->registerNodeDef(makeUserDef(name)), DmStatus::kSuccess) << name;
     }
     EXPECT_EQ(keysOf(ns->getNodeDefs()), (std::vector<std::string>{"b", "a", "c"}));
 }
 
 TEST_F(DmNodeDefRegistrationTest, TwoDefinitionsOfOneNameMakeOneEntryWithTwoOverloads) {
     auto const ns = makeNamespace("geo");
-    auto const first = makeOp();
-    auto const second = makeOp();
+    auto const first = makeUserDef();
+    auto const second = makeUserDef();
     ASSERT_EQ(ns->registerNodeDef(first), DmStatus::kSuccess);
     EXPECT_EQ(ns->registerNodeDef(second), DmStatus::kSuccess);
 
@@ -110,10 +84,10 @@ TEST_F(DmNodeDefRegistrationTest, TwoDefinitionsOfOneNameMakeOneEntryWithTwoOver
 }
 
 TEST_F(DmNodeDefRegistrationTest, RegisterNodeDefGivesTheSetTheLibraryOfTheDefinition) {
-    auto library = DmLibrary::newLibrary(std::make_shared<BaContext>(), nullptr, DmExternOperator::kSafe);
+    auto library = KestoTest::makeLibrary();
     ASSERT_NE(library, nullptr);
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     def->setLibrary(library.get());
     ASSERT_EQ(ns->registerNodeDef(def), DmStatus::kSuccess);
     EXPECT_EQ(setOf(*ns, "op")->getLibrary(), library.get());
@@ -129,7 +103,7 @@ TEST_F(DmNodeDefRegistrationTest, RegisterNodeDefOfABuiltInDefinitionMakesABuilt
 
 TEST_F(DmNodeDefRegistrationTest, RegisterNodeDefOfASetFilesItAsItIs) {
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     auto const set = DmOverloadSet::newOverloadSet(def, false);
     ASSERT_NE(set, nullptr);
     EXPECT_EQ(ns->registerNodeDef(set), DmStatus::kSuccess);
@@ -141,9 +115,9 @@ TEST_F(DmNodeDefRegistrationTest, RegisterNodeDefOfASetFilesItAsItIs) {
 
 TEST_F(DmNodeDefRegistrationTest, RegisterNodeDefOfASetUnderATakenNameIsAnInvalidArgument) {
     auto const ns = makeNamespace("geo");
-    auto const placed = makeOp();
+    auto const placed = makeUserDef();
     ASSERT_EQ(ns->registerNodeDef(placed), DmStatus::kSuccess);
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     auto const set = DmOverloadSet::newOverloadSet(def, false);
     ASSERT_NE(set, nullptr);
 
@@ -154,7 +128,7 @@ TEST_F(DmNodeDefRegistrationTest, RegisterNodeDefOfASetUnderATakenNameIsAnInvali
 
 TEST_F(DmNodeDefRegistrationTest, RegisterNodeDefReportsAnOverloadThatLacksAPortOfTheSet) {
     auto const ns = makeNamespace("geo");
-    auto const first = makeOp();
+    auto const first = makeUserDef();
     auto const second = UserDef::make("op");
     ASSERT_EQ(ns->registerNodeDef(first), DmStatus::kSuccess);
     EXPECT_EQ(ns->registerNodeDef(second), DmStatus::kFailure);
@@ -164,7 +138,7 @@ TEST_F(DmNodeDefRegistrationTest, RegisterNodeDefReportsAnOverloadThatLacksAPort
 
 TEST_F(DmNodeDefRegistrationTest, RegisterNodeDefInAPlainScope) {
     PlainScope scope("scope", makeLogger());
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     EXPECT_EQ(scope.registerNodeDef(def), DmStatus::kSuccess);
     EXPECT_EQ(def->getScope(), &scope);
     EXPECT_TRUE(scope.hasNodeDef("op"));
@@ -176,7 +150,7 @@ TEST_F(DmNodeDefRegistrationTest, RegisterNodeDefInAPlainScope) {
 
 TEST_F(DmNodeDefRegistrationTest, UnregisterNodeDefOfTheLastOverloadErasesTheEntry) {
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     ASSERT_EQ(ns->registerNodeDef(def), DmStatus::kSuccess);
     EXPECT_EQ(ns->unregisterNodeDef(def), DmStatus::kSuccess);
     EXPECT_TRUE(ns->getNodeDefs().empty());
@@ -186,8 +160,8 @@ TEST_F(DmNodeDefRegistrationTest, UnregisterNodeDefOfTheLastOverloadErasesTheEnt
 
 TEST_F(DmNodeDefRegistrationTest, UnregisterNodeDefOfOneOfTwoOverloadsKeepsTheEntry) {
     auto const ns = makeNamespace("geo");
-    auto const first = makeOp();
-    auto const second = makeOp();
+    auto const first = makeUserDef();
+    auto const second = makeUserDef();
     ASSERT_EQ(ns->registerNodeDef(first), DmStatus::kSuccess);
     ASSERT_EQ(ns->registerNodeDef(second), DmStatus::kSuccess);
     EXPECT_EQ(ns->unregisterNodeDef(first), DmStatus::kSuccess);
@@ -200,24 +174,24 @@ TEST_F(DmNodeDefRegistrationTest, UnregisterNodeDefOfOneOfTwoOverloadsKeepsTheEn
 
 TEST_F(DmNodeDefRegistrationTest, UnregisterNodeDefOfAnAbsentNameSucceeds) {
     auto const ns = makeNamespace("geo");
-    auto const placed = makeOp("placed");
+    auto const placed = makeUserDef("placed");
     ASSERT_EQ(ns->registerNodeDef(placed), DmStatus::kSuccess);
-    EXPECT_EQ(ns->unregisterNodeDef(makeOp("stranger")), DmStatus::kSuccess);
+    EXPECT_EQ(ns->unregisterNodeDef(makeUserDef("stranger")), DmStatus::kSuccess);
     EXPECT_EQ(keysOf(ns->getNodeDefs()), (std::vector<std::string>{"placed"}));
 }
 
 TEST_F(DmNodeDefRegistrationTest, UnregisterNodeDefOfAStrangerOfATakenNameFails) {
     auto const ns = makeNamespace("geo");
-    auto const placed = makeOp();
+    auto const placed = makeUserDef();
     ASSERT_EQ(ns->registerNodeDef(placed), DmStatus::kSuccess);
-    auto const stranger = makeOp();
+    auto const stranger = makeUserDef();
     EXPECT_EQ(ns->unregisterNodeDef(stranger), DmStatus::kFailure);
     EXPECT_EQ(setOf(*ns, "op")->getOverloads(), (DmOverloadSet::OverloadList{placed}));
 }
 
 TEST_F(DmNodeDefRegistrationTest, UnregisterNodeDefOfASetErasesItsEntry) {
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     ASSERT_EQ(ns->registerNodeDef(def), DmStatus::kSuccess);
     auto const set = setOf(*ns, "op");
     EXPECT_EQ(ns->unregisterNodeDef(set), DmStatus::kSuccess);
@@ -261,7 +235,7 @@ TEST_F(DmNodeDefRegistrationTest, EmptiedSetOfAPlaceholderGoesWhenOnlyThePlaceho
 
 TEST_F(DmNodeDefRegistrationTest, EmptiedSetOfAKnownDefinitionGoesEvenWhileNodesUseIt) {
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     ASSERT_EQ(ns->registerNodeDef(def), DmStatus::kSuccess);
     auto const set = setOf(*ns, "op");
     auto const node = DmNode::createNode("n", set);
@@ -277,7 +251,7 @@ TEST_F(DmNodeDefRegistrationTest, EmptiedSetOfAKnownDefinitionGoesEvenWhileNodes
 
 TEST_F(DmNodeDefRegistrationTest, FindNodeDefGivesTheEntry) {
     PlainScope scope("scope", makeLogger());
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     ASSERT_EQ(scope.registerNodeDef(def), DmStatus::kSuccess);
     std::shared_ptr<DmNodeDef> found;
     ASSERT_TRUE(scope.findNodeDef("op", found));
@@ -289,7 +263,7 @@ TEST_F(DmNodeDefRegistrationTest, FindNodeDefGivesTheEntry) {
 
 TEST_F(DmNodeDefRegistrationTest, FindNodeDefMissLeavesTheOutputUntouched) {
     PlainScope scope("scope", makeLogger());
-    auto const other = makeOp("other");
+    auto const other = makeUserDef("other");
     std::shared_ptr<DmNodeDef> found = other;
     EXPECT_FALSE(scope.findNodeDef("op", found));
     EXPECT_EQ(found, other);
@@ -298,11 +272,11 @@ TEST_F(DmNodeDefRegistrationTest, FindNodeDefMissLeavesTheOutputUntouched) {
 
 TEST_F(DmNodeDefRegistrationTest, PlainScopeDoesNotResolveAScopedNameEvenWhenTheLiteralKeyExists) {
     PlainScope scope("scope", makeLogger());
-    auto const def = makeOp("a::op");
+    auto const def = makeUserDef("a::op");
     ASSERT_EQ(scope.registerNodeDef(def), DmStatus::kSuccess);
     ASSERT_EQ(keysOf(scope.getNodeDefs()), (std::vector<std::string>{"a::op"}));
 
-    auto const other = makeOp("other");
+    auto const other = makeUserDef("other");
     std::shared_ptr<DmNodeDef> found = other;
     EXPECT_FALSE(scope.findNodeDef("a::op", found));
     EXPECT_EQ(found, other);
@@ -317,7 +291,7 @@ TEST_F(DmNodeDefRegistrationTest, PlainScopeDoesNotResolveAScopedNameEvenWhenThe
 
 TEST_F(DmNodeDefRegistrationTest, NamespaceFindsALocalDefinition) {
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     ASSERT_EQ(ns->registerNodeDef(def), DmStatus::kSuccess);
     std::shared_ptr<DmOverloadSet> set;
     ASSERT_TRUE(ns->findNodeDef("op", set));
@@ -329,7 +303,7 @@ TEST_F(DmNodeDefRegistrationTest, NamespaceWalksNestedNamespaces) {
     auto const ns = makeNamespace("root");
     auto const inner = ns->fetchNamespace("a::b");
     ASSERT_NE(inner, nullptr);
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     ASSERT_EQ(inner->registerNodeDef(def), DmStatus::kSuccess);
 
     std::shared_ptr<DmNodeDef> found;
@@ -346,8 +320,8 @@ TEST_F(DmNodeDefRegistrationTest, NamespaceWalksNestedNamespaces) {
 TEST_F(DmNodeDefRegistrationTest, LeadingSeparatorNamesTheSameDefinition) {
     auto const ns = makeNamespace("root");
     auto const inner = ns->fetchNamespace("a");
-    auto const local = makeOp("local");
-    auto const nested = makeOp();
+    auto const local = makeUserDef("local");
+    auto const nested = makeUserDef();
     ASSERT_EQ(ns->registerNodeDef(local), DmStatus::kSuccess);
     ASSERT_EQ(inner->registerNodeDef(nested), DmStatus::kSuccess);
 
@@ -360,7 +334,7 @@ TEST_F(DmNodeDefRegistrationTest, LeadingSeparatorNamesTheSameDefinition) {
 
 TEST_F(DmNodeDefRegistrationTest, SeparatorAloneFindsNothing) {
     auto const ns = makeNamespace("root");
-    ASSERT_EQ(ns->registerNodeDef(makeOp()), DmStatus::kSuccess);
+    ASSERT_EQ(ns->registerNodeDef(makeUserDef()), DmStatus::kSuccess);
     std::shared_ptr<DmNodeDef> found;
     EXPECT_FALSE(ns->findNodeDef("::", found));
     EXPECT_EQ(found, nullptr);
@@ -379,7 +353,7 @@ TEST_F(DmNodeDefRegistrationTest, LookupThroughAMissingNamespaceCreatesNothing) 
 TEST_F(DmNodeDefRegistrationTest, NamespaceDoesNotLookIntoItsParent) {
     auto const ns = makeNamespace("root");
     auto const child = ns->fetchNamespace("child");
-    ASSERT_EQ(ns->registerNodeDef(makeOp()), DmStatus::kSuccess);
+    ASSERT_EQ(ns->registerNodeDef(makeUserDef()), DmStatus::kSuccess);
     EXPECT_FALSE(child->hasNodeDef("op"));
 }
 
@@ -388,7 +362,7 @@ TEST_F(DmNodeDefRegistrationTest, NamespaceDoesNotLookIntoItsParent) {
 
 TEST_F(DmNodeDefRegistrationTest, SetScopePlacesTheDefinition) {
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     EXPECT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(def->getScope(), ns.get());
     EXPECT_EQ(def->get_owner(), setOf(*ns, "op").get());
@@ -396,7 +370,7 @@ TEST_F(DmNodeDefRegistrationTest, SetScopePlacesTheDefinition) {
 
 TEST_F(DmNodeDefRegistrationTest, SetScopeToTheCurrentScopeSucceedsAndDoesNothing) {
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     ASSERT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     auto const set = setOf(*ns, "op");
     EXPECT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
@@ -407,7 +381,7 @@ TEST_F(DmNodeDefRegistrationTest, SetScopeToTheCurrentScopeSucceedsAndDoesNothin
 
 TEST_F(DmNodeDefRegistrationTest, SetScopeOfAConstDefinitionIsAConstEntity) {
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     def->makeConst();
     EXPECT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kConstEntity);
     EXPECT_EQ(def->getScope(), nullptr);
@@ -416,8 +390,8 @@ TEST_F(DmNodeDefRegistrationTest, SetScopeOfAConstDefinitionIsAConstEntity) {
 
 TEST_F(DmNodeDefRegistrationTest, SetScopeToATakenNameFailsOnClash) {
     auto const ns = makeNamespace("geo");
-    auto const placed = makeOp();
-    auto const def = makeOp();
+    auto const placed = makeUserDef();
+    auto const def = makeUserDef();
     ASSERT_EQ(placed->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kInvalidArgument);
     EXPECT_EQ(def->getScope(), nullptr);
@@ -427,8 +401,8 @@ TEST_F(DmNodeDefRegistrationTest, SetScopeToATakenNameFailsOnClash) {
 
 TEST_F(DmNodeDefRegistrationTest, SetScopeToATakenNameMakesTheNameUnique) {
     auto const ns = makeNamespace("geo");
-    auto const placed = makeOp();
-    auto const def = makeOp();
+    auto const placed = makeUserDef();
+    auto const def = makeUserDef();
     ASSERT_EQ(placed->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(def->setScope(ns.get(), kMakeUnique), DmStatus::kSuccess);
     EXPECT_EQ(def->getName(), "op1");
@@ -439,15 +413,15 @@ TEST_F(DmNodeDefRegistrationTest, SetScopeToATakenNameMakesTheNameUnique) {
 
 TEST_F(DmNodeDefRegistrationTest, SetScopeWithAFreeNameKeepsTheNameUnderMakeUnique) {
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     EXPECT_EQ(def->setScope(ns.get(), kMakeUnique), DmStatus::kSuccess);
     EXPECT_EQ(def->getName(), "op");
 }
 
 TEST_F(DmNodeDefRegistrationTest, SetScopeAsOverloadJoinsTheSetOfTheName) {
     auto const ns = makeNamespace("geo");
-    auto const placed = makeOp();
-    auto const def = makeOp();
+    auto const placed = makeUserDef();
+    auto const def = makeUserDef();
     ASSERT_EQ(placed->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(def->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
     EXPECT_EQ(def->getName(), "op");
@@ -456,7 +430,7 @@ TEST_F(DmNodeDefRegistrationTest, SetScopeAsOverloadJoinsTheSetOfTheName) {
 
 TEST_F(DmNodeDefRegistrationTest, SetScopeAsOverloadWithAFreeNameMakesANewSet) {
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     EXPECT_EQ(def->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
     EXPECT_EQ(setOf(*ns, "op")->getOverloads(), (DmOverloadSet::OverloadList{def}));
 }
@@ -464,7 +438,7 @@ TEST_F(DmNodeDefRegistrationTest, SetScopeAsOverloadWithAFreeNameMakesANewSet) {
 TEST_F(DmNodeDefRegistrationTest, SetScopeMovesTheDefinitionOutOfItsScope) {
     auto const from = makeNamespace("from");
     auto const to = makeNamespace("to");
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     ASSERT_EQ(def->setScope(from.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(def->setScope(to.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_FALSE(from->hasNodeDef("op"));
@@ -475,7 +449,7 @@ TEST_F(DmNodeDefRegistrationTest, SetScopeMovesTheDefinitionOutOfItsScope) {
 
 TEST_F(DmNodeDefRegistrationTest, SetScopeToNullDetachesTheDefinition) {
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     ASSERT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(def->setScope(nullptr, kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(def->getScope(), nullptr);
@@ -484,7 +458,7 @@ TEST_F(DmNodeDefRegistrationTest, SetScopeToNullDetachesTheDefinition) {
 }
 
 TEST_F(DmNodeDefRegistrationTest, SetScopeToNullOfADetachedDefinitionSucceeds) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     EXPECT_EQ(def->setScope(nullptr, kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(def->getScope(), nullptr);
 }
@@ -504,7 +478,7 @@ TEST_F(DmNodeDefRegistrationTest, BuiltInDefinitionRefusesToMoveOncePlaced) {
 
 TEST_F(DmNodeDefRegistrationTest, TerminalRefusesToJoinASetAsOverload) {
     auto const ns = makeNamespace("geo");
-    auto const placed = makeOp("result");
+    auto const placed = makeUserDef("result");
     ASSERT_EQ(placed->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     auto const terminal = DmTerminalNodeDef::createTerminalNodeDef("result", kNameVerbatim);
     ASSERT_NE(terminal, nullptr);
@@ -518,7 +492,7 @@ TEST_F(DmNodeDefRegistrationTest, DefinitionRefusesToJoinATerminalAsOverload) {
     auto const terminal = DmTerminalNodeDef::createTerminalNodeDef("result", kNameVerbatim);
     ASSERT_NE(terminal, nullptr);
     ASSERT_EQ(terminal->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    auto const def = makeOp("result");
+    auto const def = makeUserDef("result");
     EXPECT_EQ(def->setScope(ns.get(), kAsOverload), DmStatus::kFailure);
     EXPECT_EQ(def->getScope(), nullptr);
     EXPECT_EQ(setOf(*ns, "result")->size(), 1u);
@@ -533,7 +507,7 @@ TEST_F(DmNodeDefRegistrationTest, EmptySetOfTheNameCountsAsAbsent) {
     ASSERT_EQ(placeholder->setScope(nullptr, kFailOnClash), DmStatus::kSuccess);
     ASSERT_TRUE(set->empty());
 
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     EXPECT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(def->getName(), "op");
     EXPECT_EQ(setOf(*ns, "op"), set);

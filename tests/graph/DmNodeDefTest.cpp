@@ -27,39 +27,14 @@ using KestoTest::input;
 using KestoTest::keysOf;
 using KestoTest::makeNamespace;
 using KestoTest::makeStruct;
+using KestoTest::makeURI;
+using KestoTest::makeUserDef;
 using KestoTest::output;
 using KestoTest::portNames;
 using KestoTest::RootNamespace;
+using KestoTest::UserDef;
 
 namespace {
-
-/// A definition written by a host: an overload that is neither native nor a
-/// placeholder. Its import only records that it was asked.
-class UserDef : public DmOverload {
-public:
-    explicit UserDef(std::string name) : DmOverload(std::move(name), true) {}
-
-    static std::shared_ptr<UserDef> make(std::string name) {
-        return std::make_shared<UserDef>(std::move(name));
-    }
-
-    DmStatus import(std::shared_ptr<DmScope> const&, DmNameResolutionType, std::string const&,
-                    std::shared_ptr<DmNodeDef>&, ImportErrorFlags) override {
-        return DmStatus::kSuccess;
-    }
-};
-
-/// "op" with the input "x" (int) and the output "out" (int).
-std::shared_ptr<UserDef> makeOp(std::string const& name = "op") {
-    auto def = UserDef::make(name);
-    def->addPortDescription(input("x", DmLibrary::getIntType()), kFailOnClash);
-    def->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
-    return def;
-}
-
-std::shared_ptr<DmURI> makeURI(std::string const& path) {
-    return std::make_shared<DmFileURI>(path, "");
-}
 
 class DmNodeDefTest : public KestoTest::ModelTest {};
 
@@ -174,7 +149,7 @@ TEST_F(DmNodeDefTest, URIIsStored) {
 
 TEST_F(DmNodeDefTest, DefinitionInANamespaceIsNotPrivate) {
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     ASSERT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_FALSE(def->isPrivate());
 }
@@ -191,7 +166,7 @@ TEST_F(DmNodeDefTest, AutoOutputIsNoAutoInput) {
 // Locking
 
 TEST_F(DmNodeDefTest, LoneDefinitionCanBeUnlockedAndLockedAgain) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     EXPECT_EQ(def->setOverloadsLocked(false), DmStatus::kSuccess);
     EXPECT_FALSE(def->isOverloadsLocked());
     EXPECT_EQ(def->setOverloadsLocked(true), DmStatus::kSuccess);
@@ -206,14 +181,14 @@ TEST_F(DmNodeDefTest, UnlockingADefinitionWithAnAutoInputFailsAndLeavesItLocked)
 }
 
 TEST_F(DmNodeDefTest, AnAutoInputLocksAnUnlockedDefinition) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     ASSERT_EQ(def->setOverloadsLocked(false), DmStatus::kSuccess);
     ASSERT_TRUE(def->addPortDescription(input("any", DmLibrary::getAutoType()), kFailOnClash));
     EXPECT_TRUE(def->isOverloadsLocked());
 }
 
 TEST_F(DmNodeDefTest, LoneDefinitionIsSingleWhileLocked) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     EXPECT_TRUE(def->isSingle());
     ASSERT_EQ(def->setOverloadsLocked(false), DmStatus::kSuccess);
     EXPECT_FALSE(def->isSingle());
@@ -255,9 +230,9 @@ TEST_F(DmNodeDefTest, SetNameRefusesAnIllegalNameWhenItMustBeLegal) {
 
 TEST_F(DmNodeDefTest, SetNameRekeysTheScopeEntryInPlace) {
     auto const ns = makeNamespace("geo");
-    auto const first = makeOp("first");
-    auto const def = makeOp("op");
-    auto const last = makeOp("last");
+    auto const first = makeUserDef("first");
+    auto const def = makeUserDef("op");
+    auto const last = makeUserDef("last");
     ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     ASSERT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     ASSERT_EQ(last->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
@@ -275,8 +250,8 @@ TEST_F(DmNodeDefTest, SetNameRekeysTheScopeEntryInPlace) {
 
 TEST_F(DmNodeDefTest, SetNameToATakenNameFailsOnClash) {
     auto const ns = makeNamespace("geo");
-    auto const first = makeOp("first");
-    auto const def = makeOp("op");
+    auto const first = makeUserDef("first");
+    auto const def = makeUserDef("op");
     ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     ASSERT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
 
@@ -288,8 +263,8 @@ TEST_F(DmNodeDefTest, SetNameToATakenNameFailsOnClash) {
 
 TEST_F(DmNodeDefTest, SetNameToATakenNameMakesItUnique) {
     auto const ns = makeNamespace("geo");
-    auto const first = makeOp("first");
-    auto const def = makeOp("op");
+    auto const first = makeUserDef("first");
+    auto const def = makeUserDef("op");
     ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     ASSERT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
 
@@ -302,7 +277,7 @@ TEST_F(DmNodeDefTest, SetNameToATakenNameMakesItUnique) {
 
 TEST_F(DmNodeDefTest, SetNameInsideAnUpdateOnlyStoresTheName) {
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp("op");
+    auto const def = makeUserDef("op");
     ASSERT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     {
         NodeDefUpdateHelper guard(*def);
@@ -331,7 +306,7 @@ TEST_F(DmNodeDefTest, FullNameHoldsTheScopePath) {
     auto const root = RootNamespace::make("_KestoGlobalNamespace", RootNamespace::kGlobal);
     auto const inner = root->fetchNamespace("geo::solid");
     ASSERT_NE(inner, nullptr);
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     ASSERT_EQ(def->setScope(inner.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(fullName(*def), "geo::solid::op");
     EXPECT_EQ(fullName(*def->get_owner()), "geo::solid::op");
@@ -339,7 +314,7 @@ TEST_F(DmNodeDefTest, FullNameHoldsTheScopePath) {
 
 TEST_F(DmNodeDefTest, FullNameInARootHasNoSeparator) {
     auto const root = RootNamespace::make("_KestoGlobalNamespace", RootNamespace::kGlobal);
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     ASSERT_EQ(def->setScope(root.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(fullName(*def), "op");
 }
@@ -347,7 +322,7 @@ TEST_F(DmNodeDefTest, FullNameInARootHasNoSeparator) {
 TEST_F(DmNodeDefTest, ResolveFullNameAppendsToWhatIsThere) {
     auto const root = RootNamespace::make("_KestoGlobalNamespace", RootNamespace::kGlobal);
     auto const geo = root->fetchNamespace("geo");
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     ASSERT_EQ(def->setScope(geo.get(), kFailOnClash), DmStatus::kSuccess);
     std::string out = "prefix:";
     def->resolveFullName(out);
@@ -379,7 +354,7 @@ TEST_F(DmNodeDefTest, AddPortDescriptionOnAConstDefinitionIsRefused) {
 }
 
 TEST_F(DmNodeDefTest, AddPortDescriptionWithATakenNameFailsOnClash) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     auto const second = input("x", DmLibrary::getFloatType());
     EXPECT_FALSE(def->addPortDescription(second, kFailOnClash));
     EXPECT_EQ(second->getName(), "x");
@@ -389,7 +364,7 @@ TEST_F(DmNodeDefTest, AddPortDescriptionWithATakenNameFailsOnClash) {
 }
 
 TEST_F(DmNodeDefTest, AddPortDescriptionWithATakenNameRenamesThePort) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     auto const second = input("x", DmLibrary::getFloatType());
     EXPECT_TRUE(def->addPortDescription(second, kMakeUnique));
     EXPECT_EQ(second->getName(), "x1");
@@ -399,7 +374,7 @@ TEST_F(DmNodeDefTest, AddPortDescriptionWithATakenNameRenamesThePort) {
 }
 
 TEST_F(DmNodeDefTest, AddPortDescriptionAsOverloadKeepsTheNameAndIsRefusedByTheInterface) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     auto const second = input("x", DmLibrary::getFloatType());
     EXPECT_FALSE(def->addPortDescription(second, kAsOverload));
     EXPECT_EQ(second->getName(), "x");
@@ -408,7 +383,7 @@ TEST_F(DmNodeDefTest, AddPortDescriptionAsOverloadKeepsTheNameAndIsRefusedByTheI
 }
 
 TEST_F(DmNodeDefTest, AddPortDescriptionOfAPortOfAnotherDefinitionIsRefused) {
-    auto const owner = makeOp("owner");
+    auto const owner = makeUserDef("owner");
     auto const def = UserDef::make("op");
     auto const x = owner->getPortsInterface()["x"];
     EXPECT_FALSE(def->addPortDescription(x, kFailOnClash));
@@ -450,7 +425,7 @@ TEST_F(DmNodeDefTest, AddPortDescriptionOfATypeWithoutURIAddsNoDependency) {
 // Removing, renaming, replacing and reordering ports
 
 TEST_F(DmNodeDefTest, RemovePortDescriptionDropsThePortAndItsDefinition) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     auto const x = def->getPortsInterface()["x"];
     EXPECT_TRUE(def->removePortDescription(x));
     EXPECT_EQ(portNames(def->getPortsInterface().getPorts()), (std::vector<std::string>{"out"}));
@@ -458,7 +433,7 @@ TEST_F(DmNodeDefTest, RemovePortDescriptionDropsThePortAndItsDefinition) {
 }
 
 TEST_F(DmNodeDefTest, RemovePortDescriptionOnAConstDefinitionIsRefused) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     def->makeConst();
     auto const x = def->getPortsInterface()["x"];
     EXPECT_FALSE(def->removePortDescription(x));
@@ -467,14 +442,14 @@ TEST_F(DmNodeDefTest, RemovePortDescriptionOnAConstDefinitionIsRefused) {
 }
 
 TEST_F(DmNodeDefTest, RemovePortDescriptionOfAStrangerIsRefused) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     auto const stranger = input("x", DmLibrary::getIntType());
     EXPECT_FALSE(def->removePortDescription(stranger));
     EXPECT_EQ(def->getPortsInterface().size(), 2u);
 }
 
 TEST_F(DmNodeDefTest, RenamePortDescriptionKeepsThePosition) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     auto const x = def->getPortsInterface()["x"];
     EXPECT_TRUE(def->renamePortDescription("x", "y"));
     EXPECT_EQ(portNames(def->getPortsInterface().getPorts()), (std::vector<std::string>{"y", "out"}));
@@ -483,27 +458,27 @@ TEST_F(DmNodeDefTest, RenamePortDescriptionKeepsThePosition) {
 }
 
 TEST_F(DmNodeDefTest, RenamePortDescriptionOfAnUnknownPortIsRefused) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     EXPECT_FALSE(def->renamePortDescription("missing", "y"));
     EXPECT_EQ(portNames(def->getPortsInterface().getPorts()), (std::vector<std::string>{"x", "out"}));
 }
 
 TEST_F(DmNodeDefTest, RenamePortDescriptionToATakenNameIsRefused) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     EXPECT_FALSE(def->renamePortDescription("x", "out"));
     EXPECT_EQ(portNames(def->getPortsInterface().getPorts()), (std::vector<std::string>{"x", "out"}));
     EXPECT_EQ(def->getPortsInterface()["x"]->getName(), "x");
 }
 
 TEST_F(DmNodeDefTest, RenamePortDescriptionOnAConstDefinitionIsRefused) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     def->makeConst();
     EXPECT_FALSE(def->renamePortDescription("x", "y"));
     EXPECT_EQ(portNames(def->getPortsInterface().getPorts()), (std::vector<std::string>{"x", "out"}));
 }
 
 TEST_F(DmNodeDefTest, RenamePortDescriptionInsideAnUpdateSucceedsAtOnce) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     {
         NodeDefUpdateHelper guard(*def);
         EXPECT_TRUE(def->renamePortDescription("x", "y"));
@@ -512,7 +487,7 @@ TEST_F(DmNodeDefTest, RenamePortDescriptionInsideAnUpdateSucceedsAtOnce) {
 }
 
 TEST_F(DmNodeDefTest, ReplaceExistingPortPutsTheNewDescriptionInPlace) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     auto const replacement = input("x", DmLibrary::getFloatType());
     EXPECT_TRUE(def->replaceExistingPort(replacement));
     EXPECT_EQ(portNames(def->getPortsInterface().getPorts()), (std::vector<std::string>{"x", "out"}));
@@ -520,20 +495,20 @@ TEST_F(DmNodeDefTest, ReplaceExistingPortPutsTheNewDescriptionInPlace) {
 }
 
 TEST_F(DmNodeDefTest, ReplaceExistingPortOfAnUnknownNameIsRefused) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     EXPECT_FALSE(def->replaceExistingPort(input("y", DmLibrary::getFloatType())));
     EXPECT_EQ(portNames(def->getPortsInterface().getPorts()), (std::vector<std::string>{"x", "out"}));
 }
 
 TEST_F(DmNodeDefTest, ReorderPortDescriptionMovesThePort) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     ASSERT_TRUE(def->addPortDescription(input("z", DmLibrary::getIntType()), kFailOnClash));
     EXPECT_EQ(def->reorderPortDescription(0, "z"), DmStatus::kSuccess);
     EXPECT_EQ(portNames(def->getPortsInterface().getPorts()), (std::vector<std::string>{"z", "x", "out"}));
 }
 
 TEST_F(DmNodeDefTest, ReorderPortDescriptionOnAConstDefinitionIsAConstEntity) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     def->makeConst();
     EXPECT_EQ(def->reorderPortDescription(0, "out"), DmStatus::kConstEntity);
     EXPECT_EQ(portNames(def->getPortsInterface().getPorts()), (std::vector<std::string>{"x", "out"}));
@@ -543,14 +518,14 @@ TEST_F(DmNodeDefTest, ReorderPortDescriptionOnAConstDefinitionIsAConstEntity) {
 // Port queries
 
 TEST_F(DmNodeDefTest, GetUniquePortNameKeepsAFreeName) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     std::string name = "y";
     def->getUniquePortName(name);
     EXPECT_EQ(name, "y");
 }
 
 TEST_F(DmNodeDefTest, GetUniquePortNameNumbersATakenName) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     std::string name = "x";
     def->getUniquePortName(name);
     EXPECT_EQ(name, "x1");
@@ -561,31 +536,31 @@ TEST_F(DmNodeDefTest, GetUniquePortNameNumbersATakenName) {
 }
 
 TEST_F(DmNodeDefTest, FindUnconnectedPortValueGivesTheDefaultValueOverride) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     auto const value = DmLibrary::getIntType()->createValue();
     ASSERT_TRUE(def->getPortsInterface()["x"]->setDefaultValueOverride(value));
     EXPECT_EQ(def->findUnconnectedPortValue("x"), value);
 }
 
 TEST_F(DmNodeDefTest, FindUnconnectedPortValueOfAPortWithoutOverrideIsNull) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     EXPECT_EQ(def->findUnconnectedPortValue("x"), nullptr);
 }
 
 TEST_F(DmNodeDefTest, FindUnconnectedPortValueOfAnUnknownPortIsNull) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     EXPECT_EQ(def->findUnconnectedPortValue("missing"), nullptr);
 }
 
 TEST_F(DmNodeDefTest, AllowedTypesOfAPortAreItsOwnType) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     auto const allowed = def->getAllowedTypesForPort("x");
     EXPECT_EQ(keysOf(allowed), (std::vector<std::string>{"int"}));
     EXPECT_EQ(allowed.at("int"), DmLibrary::getIntType());
 }
 
 TEST_F(DmNodeDefTest, AllowedTypesOfAnUnknownPortAreEmpty) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     EXPECT_TRUE(def->getAllowedTypesForPort("missing").empty());
 }
 
@@ -593,7 +568,7 @@ TEST_F(DmNodeDefTest, AllowedTypesOfAnUnknownPortAreEmpty) {
 // Nodes
 
 TEST_F(DmNodeDefTest, NodeMadeOnTheDefinitionIsRegistered) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     EXPECT_TRUE(def->hasNoReference());
     auto node = DmNode::createNode("n", def);
     ASSERT_NE(node, nullptr);
@@ -606,14 +581,14 @@ TEST_F(DmNodeDefTest, NodeMadeOnTheDefinitionIsRegistered) {
 }
 
 TEST_F(DmNodeDefTest, RegisterNodeOfNullDoesNothing) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     def->registerNode(nullptr);
     EXPECT_TRUE(def->getInstantiatedNodes().empty());
     EXPECT_TRUE(def->hasNoReference());
 }
 
 TEST_F(DmNodeDefTest, UnregisterNodeForgetsTheNode) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     auto const node = DmNode::createNode("n", def);
     ASSERT_NE(node, nullptr);
     def->unregisterNode(node.get());
@@ -624,7 +599,7 @@ TEST_F(DmNodeDefTest, UnregisterNodeForgetsTheNode) {
 }
 
 TEST_F(DmNodeDefTest, NodeShowsThePortsOfTheDefinition) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     auto const node = DmNode::createNode("n", def);
     ASSERT_NE(node, nullptr);
     EXPECT_EQ(portNames(node->getPorts()), (std::vector<std::string>{"x", "out"}));
@@ -632,7 +607,7 @@ TEST_F(DmNodeDefTest, NodeShowsThePortsOfTheDefinition) {
 }
 
 TEST_F(DmNodeDefTest, AddedPortReachesEveryNode) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     auto const first = DmNode::createNode("first", def);
     auto const second = DmNode::createNode("second", def);
     auto const z = input("z", DmLibrary::getFloatType());
@@ -645,7 +620,7 @@ TEST_F(DmNodeDefTest, AddedPortReachesEveryNode) {
 }
 
 TEST_F(DmNodeDefTest, RemovedPortLeavesEveryNode) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     auto const first = DmNode::createNode("first", def);
     auto const second = DmNode::createNode("second", def);
     ASSERT_TRUE(def->removePortDescription(def->getPortsInterface()["x"]));
@@ -654,7 +629,7 @@ TEST_F(DmNodeDefTest, RemovedPortLeavesEveryNode) {
 }
 
 TEST_F(DmNodeDefTest, RenamedPortIsRenamedOnEveryNode) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     auto const node = DmNode::createNode("n", def);
     ASSERT_TRUE(def->renamePortDescription("x", "y"));
     EXPECT_EQ(portNames(node->getPorts()), (std::vector<std::string>{"y", "out"}));
@@ -662,7 +637,7 @@ TEST_F(DmNodeDefTest, RenamedPortIsRenamedOnEveryNode) {
 }
 
 TEST_F(DmNodeDefTest, ReplacedPortReachesEveryNode) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     auto const node = DmNode::createNode("n", def);
     auto const replacement = input("x", DmLibrary::getFloatType());
     ASSERT_TRUE(def->replaceExistingPort(replacement));
@@ -671,7 +646,7 @@ TEST_F(DmNodeDefTest, ReplacedPortReachesEveryNode) {
 }
 
 TEST_F(DmNodeDefTest, ReorderedPortsAreReorderedOnEveryNode) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     ASSERT_TRUE(def->addPortDescription(input("z", DmLibrary::getIntType()), kFailOnClash));
     auto const node = DmNode::createNode("n", def);
     ASSERT_EQ(def->reorderPortDescription(0, "z"), DmStatus::kSuccess);
@@ -679,7 +654,7 @@ TEST_F(DmNodeDefTest, ReorderedPortsAreReorderedOnEveryNode) {
 }
 
 TEST_F(DmNodeDefTest, RefusedPortChangeDoesNotReachTheNodes) {
-    auto const def = makeOp();
+    auto const def = makeUserDef();
     auto const node = DmNode::createNode("n", def);
     EXPECT_FALSE(def->addPortDescription(input("x", DmLibrary::getFloatType()), kFailOnClash));
     EXPECT_FALSE(def->renamePortDescription("x", "out"));
@@ -689,7 +664,7 @@ TEST_F(DmNodeDefTest, RefusedPortChangeDoesNotReachTheNodes) {
 
 TEST_F(DmNodeDefTest, DefinitionOutlivesItsScopeEntryWhileANodeUsesIt) {
     auto const ns = makeNamespace("geo");
-    auto def = makeOp();
+    auto def = makeUserDef();
     ASSERT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     auto node = DmNode::createNode("n", def);
     ASSERT_EQ(ns->unregisterNodeDef(def), DmStatus::kSuccess);

@@ -30,7 +30,10 @@ namespace {
 
 using namespace Kesto;
 using KestoTest::input;
+using KestoTest::intValue;
+using KestoTest::makeAssociativeDef;
 using KestoTest::makeNamespace;
+using KestoTest::makeThreePortDef;
 using KestoTest::output;
 using KestoTest::portNames;
 
@@ -40,35 +43,6 @@ class DmNodeTest : public KestoTest::ModelTest {};
 
 std::shared_ptr<DmNativeNodeDef> makeDef(std::string const& name = "op") {
     return DmNativeNodeDef::newNativeNodeDef(name, DmNativeNodeDef::kPass);
-}
-
-/// "op" with the inputs a and b and the output out, all int.
-std::shared_ptr<DmNativeNodeDef> makeThreePortDef(std::string const& name = "op") {
-    auto def = makeDef(name);
-    def->addPortDescription(input("a", DmLibrary::getIntType()), kFailOnClash);
-    def->addPortDescription(input("b", DmLibrary::getIntType()), kFailOnClash);
-    def->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
-    return def;
-}
-
-/// An associative "add": the associative inputs a and b, the output out.
-std::shared_ptr<DmNativeNodeDef> makeAssociativeDef() {
-    auto def = makeDef("add");
-    def->setAssociativity(DmNodeDef::kLeftToRight);
-    auto a = input("a", DmLibrary::getIntType());
-    auto b = input("b", DmLibrary::getIntType());
-    def->addPortDescription(a, kFailOnClash);
-    def->addPortDescription(b, kFailOnClash);
-    def->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
-    a->setAssociative(true);
-    b->setAssociative(true);
-    return def;
-}
-
-std::shared_ptr<DmIntValue> intValue(int data) {
-    auto value = std::make_shared<DmIntValue>();
-    value->setData(data);
-    return value;
 }
 
 std::shared_ptr<DmPortDescription> descriptionOf(DmNodeDef const& def, std::string const& name) {

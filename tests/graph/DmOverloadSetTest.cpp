@@ -20,6 +20,7 @@
 
 #include <memory>
 #include <string>
+#include <tuple>
 #include <vector>
 
 using namespace Kesto;
@@ -28,57 +29,44 @@ using KestoTest::input;
 using KestoTest::keysOf;
 using KestoTest::makeNamespace;
 using KestoTest::makeStruct;
+using KestoTest::makeUserDef;
 using KestoTest::output;
 using KestoTest::portNames;
 using KestoTest::RootNamespace;
+using KestoTest::setOf;
+using KestoTest::UserDef;
 
 namespace {
-
-/// A definition written by a host: an overload that is neither native nor a
-/// placeholder. Its import records what it was asked.
-class UserDef : public DmOverload {
-public:
-    struct ImportCall {
-        DmScope* scope;
-        DmNameResolutionType type;
-        std::string name;
-    };
-
-    explicit UserDef(std::string name) : DmOverload(std::move(name), true) {}
-
-    static std::shared_ptr<UserDef> make(std::string name) {
-        return std::make_shared<UserDef>(std::move(name));
-    }
-
-    DmStatus import(std::shared_ptr<DmScope> const& scope, DmNameResolutionType type, std::string const& name,
-                    std::shared_ptr<DmNodeDef>&, ImportErrorFlags) override {
-        m_imports.push_back(ImportCall{scope.get(), type, name});
-        return DmStatus::kSuccess;
-    }
-
-    std::vector<ImportCall> const& imports() const { return m_imports; }
-
-private:
-    std::vector<ImportCall> m_imports;
-};
-
-/// `name` with the input "x" of type `x` and the output "out" (int).
-std::shared_ptr<UserDef> makeOp(std::shared_ptr<DmBaseType const> const& x, std::string const& name = "op") {
-    auto def = UserDef::make(name);
-    def->addPortDescription(input("x", x), kFailOnClash);
-    def->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
-    return def;
-}
 
 std::shared_ptr<DmBaseType const> typeOf(DmNodeDef const& def, std::string const& port) {
     auto const description = def.getPortsInterface()[port];
     return description ? description->getType() : nullptr;
 }
 
-std::shared_ptr<DmOverloadSet> setOf(DmScope const& scope, std::string const& name) {
-    std::shared_ptr<DmOverloadSet> set;
-    scope.findNodeDef(name, set);
-    return set;
+/// The namespace `scope` and in it the set "op" of one host definition for
+/// each type of the input "x" given, in order: the first placed under
+/// kFailOnClash, the others as overloads, each expected to succeed.
+template <class... Types>
+auto placeOverloadsIn(std::string const& scope, Types const&... types) {
+    auto const ns = makeNamespace(scope);
+    auto const defs = std::make_tuple(makeUserDef(types)...);
+    DmNameResolutionType resolution = kFailOnClash;
+    std::apply(
+        [&](auto const&... def) {
+            auto const place = [&](std::shared_ptr<UserDef> const& overload) {
+                EXPECT_EQ(overload->setScope(ns.get(), resolution), DmStatus::kSuccess);
+                resolution = kAsOverload;
+            };
+            (place(def), ...);
+        },
+        defs);
+    return std::tuple_cat(std::make_tuple(ns, setOf(*ns, "op")), defs);
+}
+
+/// placeOverloadsIn the namespace "geo".
+template <class... Types>
+auto placeOverloads(Types const&... types) {
+    return placeOverloadsIn("geo", types...);
 }
 
 class DmOverloadSetTest : public KestoTest::ModelTest {};
@@ -94,7 +82,7 @@ TEST_F(DmOverloadSetTest, NewOverloadSetOfNullIsNull) {
 
 TEST_F(DmOverloadSetTest, NewOverloadSetTakesNameScopeAndAssociativityOfItsOverload) {
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp(DmLibrary::getIntType());
+    auto const def = makeUserDef(DmLibrary::getIntType());
     def->initializeScope(ns.get());
     ASSERT_TRUE(def->setAssociativity(DmNodeDef::kLeftToRight));
     auto const set = DmOverloadSet::newOverloadSet(def, false);
@@ -109,14 +97,14 @@ TEST_F(DmOverloadSetTest, NewOverloadSetTakesNameScopeAndAssociativityOfItsOverl
 }
 
 TEST_F(DmOverloadSetTest, NewOverloadSetIsBuiltInAsGiven) {
-    auto const def = makeOp(DmLibrary::getIntType());
+    auto const def = makeUserDef(DmLibrary::getIntType());
     auto const set = DmOverloadSet::newOverloadSet(def, true);
     ASSERT_NE(set, nullptr);
     EXPECT_TRUE(set->isBuiltIn());
 }
 
 TEST_F(DmOverloadSetTest, NewOverloadSetClonesThePortsOfItsOverload) {
-    auto const def = makeOp(DmLibrary::getIntType());
+    auto const def = makeUserDef(DmLibrary::getIntType());
     auto const set = DmOverloadSet::newOverloadSet(def, false);
     ASSERT_NE(set, nullptr);
     EXPECT_EQ(portNames(set->getPortsInterface().getPorts()), (std::vector<std::string>{"x", "out"}));
@@ -132,7 +120,7 @@ TEST_F(DmOverloadSetTest, NewOverloadSetClonesThePortsOfItsOverload) {
 }
 
 TEST_F(DmOverloadSetTest, NewOverloadSetTakesADefaultOverloadAsItsDefault) {
-    auto const def = makeOp(DmLibrary::getIntType());
+    auto const def = makeUserDef(DmLibrary::getIntType());
     def->assignIsDefaultOverload(true);
     auto const set = DmOverloadSet::newOverloadSet(def, false);
     ASSERT_NE(set, nullptr);
@@ -149,10 +137,8 @@ TEST_F(DmOverloadSetTest, SetOfAValueNodeDefinitionIsAValueNodeDefinition) {
 }
 
 TEST_F(DmOverloadSetTest, SetOfAPlainDefinitionHasNoReferenceWithoutNodes) {
-    auto const ns = makeNamespace("geo");
-    auto const def = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, def] = placeOverloads(DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
     ASSERT_NE(set, nullptr);
     EXPECT_FALSE(set->isValueNodeDef());
     EXPECT_TRUE(set->hasNoReference());
@@ -165,8 +151,8 @@ TEST_F(DmOverloadSetTest, SetOfAPlainDefinitionHasNoReferenceWithoutNodes) {
 
 TEST_F(DmOverloadSetTest, SecondOverloadOfADifferentTypeMakesThePortAuto) {
     auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    auto const second = makeOp(DmLibrary::getFloatType());
+    auto const first = makeUserDef(DmLibrary::getIntType());
+    auto const second = makeUserDef(DmLibrary::getFloatType());
     ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(second->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
 
@@ -182,8 +168,8 @@ TEST_F(DmOverloadSetTest, SecondOverloadOfADifferentTypeMakesThePortAuto) {
 
 TEST_F(DmOverloadSetTest, SecondOverloadOfTheSameTypesKeepsThePortsConcrete) {
     auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    auto const second = makeOp(DmLibrary::getIntType());
+    auto const first = makeUserDef(DmLibrary::getIntType());
+    auto const second = makeUserDef(DmLibrary::getIntType());
     ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(second->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
 
@@ -196,18 +182,16 @@ TEST_F(DmOverloadSetTest, SecondOverloadOfTheSameTypesKeepsThePortsConcrete) {
 
 TEST_F(DmOverloadSetTest, PortsOfTwoDistinctTypeObjectsBecomeAutoEvenWhenEquivalent) {
     auto const ns = makeNamespace("geo");
-    auto const first = makeOp(makeStruct("Point"));
-    auto const second = makeOp(makeStruct("Point"));
+    auto const first = makeUserDef(makeStruct("Point"));
+    auto const second = makeUserDef(makeStruct("Point"));
     ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(second->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
     EXPECT_EQ(typeOf(*setOf(*ns, "op"), "x"), DmLibrary::getAutoType());
 }
 
 TEST_F(DmOverloadSetTest, AddOverloadOfAnOverloadAlreadyThereFails) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, first] = placeOverloads(DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
     ASSERT_NE(set, nullptr);
     EXPECT_EQ(set->addOverload(first), DmStatus::kFailure);
     EXPECT_EQ(set->size(), 1u);
@@ -215,7 +199,7 @@ TEST_F(DmOverloadSetTest, AddOverloadOfAnOverloadAlreadyThereFails) {
 
 TEST_F(DmOverloadSetTest, OverloadWithoutAPortOfTheSetJoinsButFails) {
     auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
+    auto const first = makeUserDef(DmLibrary::getIntType());
     auto const second = UserDef::make("op");
     second->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
     ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
@@ -235,7 +219,7 @@ TEST_F(DmOverloadSetTest, FirstOverloadOfAnEmptySetGivesItsPorts) {
     ASSERT_EQ(set->removeOverload(empty), DmStatus::kSuccess);
     ASSERT_TRUE(set->empty());
 
-    auto const def = makeOp(DmLibrary::getFloatType());
+    auto const def = makeUserDef(DmLibrary::getFloatType());
     EXPECT_EQ(set->addOverload(def), DmStatus::kSuccess);
     EXPECT_EQ(set->size(), 1u);
     EXPECT_EQ(portNames(set->getPortsInterface().getPorts()), (std::vector<std::string>{"x", "out"}));
@@ -247,12 +231,8 @@ TEST_F(DmOverloadSetTest, FirstOverloadOfAnEmptySetGivesItsPorts) {
 // Removing overloads
 
 TEST_F(DmOverloadSetTest, RemovingTheDisagreeingOverloadMakesThePortConcreteAgain) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    auto const second = makeOp(DmLibrary::getFloatType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(second->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, first, second] = placeOverloads(DmLibrary::getIntType(), DmLibrary::getFloatType());
+    ASSERT_FALSE(HasFailure());
     ASSERT_EQ(typeOf(*set, "x"), DmLibrary::getAutoType());
 
     EXPECT_EQ(ns->unregisterNodeDef(second), DmStatus::kSuccess);
@@ -264,12 +244,8 @@ TEST_F(DmOverloadSetTest, RemovingTheDisagreeingOverloadMakesThePortConcreteAgai
 }
 
 TEST_F(DmOverloadSetTest, RemovingTheFirstOverloadNarrowsToTheOthersType) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    auto const second = makeOp(DmLibrary::getFloatType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(second->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, first, second] = placeOverloads(DmLibrary::getIntType(), DmLibrary::getFloatType());
+    ASSERT_FALSE(HasFailure());
 
     EXPECT_EQ(first->setScope(nullptr, kFailOnClash), DmStatus::kSuccess);
     ASSERT_EQ(set->size(), 1u);
@@ -278,14 +254,9 @@ TEST_F(DmOverloadSetTest, RemovingTheFirstOverloadNarrowsToTheOthersType) {
 }
 
 TEST_F(DmOverloadSetTest, PortStaysAutoWhileTheRemainingOverloadsDisagree) {
-    auto const ns = makeNamespace("geo");
-    auto const a = makeOp(DmLibrary::getIntType());
-    auto const b = makeOp(DmLibrary::getFloatType());
-    auto const c = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(a->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(b->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
-    ASSERT_EQ(c->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, a, b, c] =
+        placeOverloads(DmLibrary::getIntType(), DmLibrary::getFloatType(), DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
 
     EXPECT_EQ(ns->unregisterNodeDef(c), DmStatus::kSuccess);
     EXPECT_EQ(typeOf(*set, "x"), DmLibrary::getAutoType());
@@ -295,10 +266,10 @@ TEST_F(DmOverloadSetTest, PortStaysAutoWhileTheRemainingOverloadsDisagree) {
 
 TEST_F(DmOverloadSetTest, NarrowingFailsWhenARemainingOverloadLacksThePort) {
     auto const ns = makeNamespace("geo");
-    auto const a = makeOp(DmLibrary::getIntType());
+    auto const a = makeUserDef(DmLibrary::getIntType());
     auto const lacking = UserDef::make("op");
     lacking->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
-    auto const c = makeOp(DmLibrary::getFloatType());
+    auto const c = makeUserDef(DmLibrary::getFloatType());
     ASSERT_EQ(a->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     ASSERT_EQ(lacking->setScope(ns.get(), kAsOverload), DmStatus::kFailure);
     ASSERT_EQ(c->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
@@ -310,17 +281,15 @@ TEST_F(DmOverloadSetTest, NarrowingFailsWhenARemainingOverloadLacksThePort) {
 }
 
 TEST_F(DmOverloadSetTest, RemoveOverloadOfAStrangerFails) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
-    auto const stranger = makeOp(DmLibrary::getIntType());
+    auto const [ns, set, first] = placeOverloads(DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
+    auto const stranger = makeUserDef(DmLibrary::getIntType());
     EXPECT_EQ(set->removeOverload(stranger), DmStatus::kFailure);
     EXPECT_EQ(set->size(), 1u);
 }
 
 TEST_F(DmOverloadSetTest, RemovingTheLastOverloadEmptiesTheSet) {
-    auto const def = makeOp(DmLibrary::getIntType());
+    auto const def = makeUserDef(DmLibrary::getIntType());
     auto const set = DmOverloadSet::newOverloadSet(def, false);
     ASSERT_NE(set, nullptr);
     EXPECT_EQ(set->removeOverload(def), DmStatus::kSuccess);
@@ -331,17 +300,15 @@ TEST_F(DmOverloadSetTest, RemovingTheLastOverloadEmptiesTheSet) {
 // The default overload
 
 TEST_F(DmOverloadSetTest, SetIsDefaultOverloadWithoutAnOwnerFails) {
-    auto const def = makeOp(DmLibrary::getIntType());
+    auto const def = makeUserDef(DmLibrary::getIntType());
     EXPECT_EQ(def->setIsDefaultOverload(true), DmStatus::kFailure);
     EXPECT_FALSE(def->isDefaultOverload());
     EXPECT_EQ(def->setIsDefaultOverload(false), DmStatus::kFailure);
 }
 
 TEST_F(DmOverloadSetTest, SetIsDefaultOverloadMakesItTheSetsDefault) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, first] = placeOverloads(DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
     EXPECT_EQ(set->getDefaultOverload(), nullptr);
     EXPECT_EQ(first->setIsDefaultOverload(true), DmStatus::kSuccess);
     EXPECT_TRUE(first->isDefaultOverload());
@@ -349,12 +316,8 @@ TEST_F(DmOverloadSetTest, SetIsDefaultOverloadMakesItTheSetsDefault) {
 }
 
 TEST_F(DmOverloadSetTest, SecondDefaultOverloadClearsTheFirst) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    auto const second = makeOp(DmLibrary::getFloatType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(second->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, first, second] = placeOverloads(DmLibrary::getIntType(), DmLibrary::getFloatType());
+    ASSERT_FALSE(HasFailure());
 
     ASSERT_EQ(first->setIsDefaultOverload(true), DmStatus::kSuccess);
     EXPECT_EQ(second->setIsDefaultOverload(true), DmStatus::kSuccess);
@@ -364,10 +327,8 @@ TEST_F(DmOverloadSetTest, SecondDefaultOverloadClearsTheFirst) {
 }
 
 TEST_F(DmOverloadSetTest, ClearingTheDefaultOverloadLeavesNone) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, first] = placeOverloads(DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
     ASSERT_EQ(first->setIsDefaultOverload(true), DmStatus::kSuccess);
     EXPECT_EQ(first->setIsDefaultOverload(false), DmStatus::kSuccess);
     EXPECT_FALSE(first->isDefaultOverload());
@@ -375,12 +336,8 @@ TEST_F(DmOverloadSetTest, ClearingTheDefaultOverloadLeavesNone) {
 }
 
 TEST_F(DmOverloadSetTest, ClearingAnOverloadThatIsNotTheDefaultFails) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    auto const second = makeOp(DmLibrary::getFloatType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(second->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, first, second] = placeOverloads(DmLibrary::getIntType(), DmLibrary::getFloatType());
+    ASSERT_FALSE(HasFailure());
     ASSERT_EQ(first->setIsDefaultOverload(true), DmStatus::kSuccess);
 
     EXPECT_EQ(second->setIsDefaultOverload(false), DmStatus::kFailure);
@@ -390,19 +347,15 @@ TEST_F(DmOverloadSetTest, ClearingAnOverloadThatIsNotTheDefaultFails) {
 
 TEST_F(DmOverloadSetTest, RegisteredDefaultOverloadBecomesTheDefaultOfItsNewSet) {
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp(DmLibrary::getIntType());
+    auto const def = makeUserDef(DmLibrary::getIntType());
     def->assignIsDefaultOverload(true);
     ASSERT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(setOf(*ns, "op")->getDefaultOverload(), def.get());
 }
 
 TEST_F(DmOverloadSetTest, RemovingTheDefaultOverloadClearsTheDefault) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    auto const second = makeOp(DmLibrary::getFloatType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(second->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, first, second] = placeOverloads(DmLibrary::getIntType(), DmLibrary::getFloatType());
+    ASSERT_FALSE(HasFailure());
     ASSERT_EQ(second->setIsDefaultOverload(true), DmStatus::kSuccess);
 
     EXPECT_EQ(ns->unregisterNodeDef(second), DmStatus::kSuccess);
@@ -412,12 +365,8 @@ TEST_F(DmOverloadSetTest, RemovingTheDefaultOverloadClearsTheDefault) {
 }
 
 TEST_F(DmOverloadSetTest, RemovingAnOverloadThatClaimsToBeDefaultWithoutBeingItFails) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    auto const second = makeOp(DmLibrary::getFloatType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(second->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, first, second] = placeOverloads(DmLibrary::getIntType(), DmLibrary::getFloatType());
+    ASSERT_FALSE(HasFailure());
     ASSERT_EQ(first->setIsDefaultOverload(true), DmStatus::kSuccess);
     second->assignIsDefaultOverload(true);
 
@@ -438,7 +387,7 @@ TEST_F(DmOverloadSetTest, SetOfOneTerminalIsTerminal) {
 
 TEST_F(DmOverloadSetTest, SetOfAPlainOverloadIsNoTerminal) {
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp(DmLibrary::getIntType());
+    auto const def = makeUserDef(DmLibrary::getIntType());
     ASSERT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_FALSE(setOf(*ns, "op")->isTerminal());
 }
@@ -466,14 +415,12 @@ TEST_F(DmOverloadSetTest, SetIsKnownWhenOnlyALaterOverloadIsUnknown) {
 }
 
 TEST_F(DmOverloadSetTest, SetIsSingleWhileLockedWithOneOverload) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, first] = placeOverloads(DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
     EXPECT_TRUE(set->isSingle());
     EXPECT_TRUE(first->isSingle());
 
-    auto const second = makeOp(DmLibrary::getIntType());
+    auto const second = makeUserDef(DmLibrary::getIntType());
     ASSERT_EQ(second->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
     EXPECT_FALSE(set->isSingle());
     EXPECT_FALSE(first->isSingle());
@@ -481,10 +428,8 @@ TEST_F(DmOverloadSetTest, SetIsSingleWhileLockedWithOneOverload) {
 }
 
 TEST_F(DmOverloadSetTest, UnlockedSetIsNotSingle) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, first] = placeOverloads(DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
     ASSERT_EQ(set->setOverloadsLocked(false), DmStatus::kSuccess);
     EXPECT_FALSE(set->isOverloadsLocked());
     EXPECT_FALSE(set->isSingle());
@@ -492,12 +437,8 @@ TEST_F(DmOverloadSetTest, UnlockedSetIsNotSingle) {
 }
 
 TEST_F(DmOverloadSetTest, UnlockingASetWithAnAutoInputFailsAndLeavesItLocked) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    auto const second = makeOp(DmLibrary::getFloatType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(second->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, first, second] = placeOverloads(DmLibrary::getIntType(), DmLibrary::getFloatType());
+    ASSERT_FALSE(HasFailure());
     ASSERT_TRUE(set->hasAutoInputPort());
 
     EXPECT_EQ(set->setOverloadsLocked(false), DmStatus::kFailure);
@@ -505,12 +446,8 @@ TEST_F(DmOverloadSetTest, UnlockingASetWithAnAutoInputFailsAndLeavesItLocked) {
 }
 
 TEST_F(DmOverloadSetTest, UnlockingAnOverloadWhoseSetHasAnAutoInputFails) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    auto const second = makeOp(DmLibrary::getFloatType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(second->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, first, second] = placeOverloads(DmLibrary::getIntType(), DmLibrary::getFloatType());
+    ASSERT_FALSE(HasFailure());
 
     EXPECT_FALSE(first->hasAutoInputPort());
     EXPECT_EQ(first->setOverloadsLocked(false), DmStatus::kFailure);
@@ -519,10 +456,8 @@ TEST_F(DmOverloadSetTest, UnlockingAnOverloadWhoseSetHasAnAutoInputFails) {
 }
 
 TEST_F(DmOverloadSetTest, UnlockingAnOverloadUnlocksItsSet) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, first] = placeOverloads(DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
 
     EXPECT_EQ(first->setOverloadsLocked(false), DmStatus::kSuccess);
     EXPECT_FALSE(first->isOverloadsLocked());
@@ -530,10 +465,8 @@ TEST_F(DmOverloadSetTest, UnlockingAnOverloadUnlocksItsSet) {
 }
 
 TEST_F(DmOverloadSetTest, OverloadIsLockedWhileItsSetIs) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, first] = placeOverloads(DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
     ASSERT_EQ(first->setOverloadsLocked(false), DmStatus::kSuccess);
 
     ASSERT_EQ(set->setOverloadsLocked(true), DmStatus::kSuccess);
@@ -542,20 +475,16 @@ TEST_F(DmOverloadSetTest, OverloadIsLockedWhileItsSetIs) {
 }
 
 TEST_F(DmOverloadSetTest, OverloadInASetAnswersFromTheSet) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, first] = placeOverloads(DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
 
     ASSERT_EQ(set->setOverloadsLocked(false), DmStatus::kSuccess);
     EXPECT_FALSE(first->isOverloadsLocked());
 }
 
 TEST_F(DmOverloadSetTest, OverloadWithAnAutoInputIsLockedInAnUnlockedSet) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, first] = placeOverloads(DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
     ASSERT_EQ(set->setOverloadsLocked(false), DmStatus::kSuccess);
 
     ASSERT_TRUE(first->addPortDescription(input("any", DmLibrary::getAutoType()), kFailOnClash));
@@ -563,14 +492,9 @@ TEST_F(DmOverloadSetTest, OverloadWithAnAutoInputIsLockedInAnUnlockedSet) {
 }
 
 TEST_F(DmOverloadSetTest, AllowedTypesOfASetAreTheUnionInOverloadOrder) {
-    auto const ns = makeNamespace("geo");
-    auto const a = makeOp(DmLibrary::getIntType());
-    auto const b = makeOp(DmLibrary::getFloatType());
-    auto const c = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(a->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(b->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
-    ASSERT_EQ(c->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, a, b, c] =
+        placeOverloads(DmLibrary::getIntType(), DmLibrary::getFloatType(), DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
 
     auto const allowed = set->getAllowedTypesForPort("x");
     EXPECT_EQ(keysOf(allowed), (std::vector<std::string>{"int", "float"}));
@@ -581,14 +505,14 @@ TEST_F(DmOverloadSetTest, AllowedTypesOfASetAreTheUnionInOverloadOrder) {
 
 TEST_F(DmOverloadSetTest, AllowedTypesOfAnUnknownPortOfASetAreEmpty) {
     auto const ns = makeNamespace("geo");
-    auto const a = makeOp(DmLibrary::getIntType());
+    auto const a = makeUserDef(DmLibrary::getIntType());
     ASSERT_EQ(a->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_TRUE(setOf(*ns, "op")->getAllowedTypesForPort("missing").empty());
 }
 
 TEST_F(DmOverloadSetTest, UnconnectedPortValueOfASetIsTheOverrideOfItsPort) {
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp(DmLibrary::getIntType());
+    auto const def = makeUserDef(DmLibrary::getIntType());
     auto const value = DmLibrary::getIntType()->createValue();
     ASSERT_TRUE(def->getPortsInterface()["x"]->setDefaultValueOverride(value));
     ASSERT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
@@ -600,7 +524,7 @@ TEST_F(DmOverloadSetTest, UnconnectedPortValueOfASetIsTheOverrideOfItsPort) {
 TEST_F(DmOverloadSetTest, FullNameOfAnOverloadIsThatOfItsSet) {
     auto const root = RootNamespace::make("_KestoGlobalNamespace", RootNamespace::kGlobal);
     auto const geo = root->fetchNamespace("geo");
-    auto const def = makeOp(DmLibrary::getIntType());
+    auto const def = makeUserDef(DmLibrary::getIntType());
     ASSERT_EQ(def->setScope(geo.get(), kFailOnClash), DmStatus::kSuccess);
     auto const set = setOf(*geo, "op");
     EXPECT_EQ(fullName(*set), "geo::op");
@@ -612,8 +536,8 @@ TEST_F(DmOverloadSetTest, FullNameOfAnOverloadIsThatOfItsSet) {
 
 TEST_F(DmOverloadSetTest, SetNameMakesTheNameUniqueInTheScope) {
     auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType(), "first");
-    auto const def = makeOp(DmLibrary::getIntType());
+    auto const first = makeUserDef(DmLibrary::getIntType(), "first");
+    auto const def = makeUserDef(DmLibrary::getIntType());
     ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     ASSERT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     auto const set = setOf(*ns, "op");
@@ -625,7 +549,7 @@ TEST_F(DmOverloadSetTest, SetNameMakesTheNameUniqueInTheScope) {
 
 TEST_F(DmOverloadSetTest, SetScopeFilesTheSetItself) {
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp(DmLibrary::getIntType());
+    auto const def = makeUserDef(DmLibrary::getIntType());
     auto const set = DmOverloadSet::newOverloadSet(def, false);
     ASSERT_NE(set, nullptr);
     EXPECT_EQ(set->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
@@ -637,9 +561,9 @@ TEST_F(DmOverloadSetTest, SetScopeFilesTheSetItself) {
 
 TEST_F(DmOverloadSetTest, SetScopeOfASetToATakenNameFailsOnClash) {
     auto const ns = makeNamespace("geo");
-    auto const placed = makeOp(DmLibrary::getIntType());
+    auto const placed = makeUserDef(DmLibrary::getIntType());
     ASSERT_EQ(placed->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    auto const def = makeOp(DmLibrary::getFloatType());
+    auto const def = makeUserDef(DmLibrary::getFloatType());
     auto const set = DmOverloadSet::newOverloadSet(def, false);
     ASSERT_NE(set, nullptr);
 
@@ -650,9 +574,9 @@ TEST_F(DmOverloadSetTest, SetScopeOfASetToATakenNameFailsOnClash) {
 
 TEST_F(DmOverloadSetTest, SetScopeOfASetToATakenNameMakesItUnique) {
     auto const ns = makeNamespace("geo");
-    auto const placed = makeOp(DmLibrary::getIntType());
+    auto const placed = makeUserDef(DmLibrary::getIntType());
     ASSERT_EQ(placed->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    auto const def = makeOp(DmLibrary::getFloatType());
+    auto const def = makeUserDef(DmLibrary::getFloatType());
     auto const set = DmOverloadSet::newOverloadSet(def, false);
     ASSERT_NE(set, nullptr);
 
@@ -666,7 +590,7 @@ TEST_F(DmOverloadSetTest, SetScopeOfASetToATakenNameMakesItUnique) {
 
 TEST_F(DmOverloadSetTest, ImportIntoNoScopeFails) {
     auto const ns = makeNamespace("geo");
-    auto const def = makeOp(DmLibrary::getIntType());
+    auto const def = makeUserDef(DmLibrary::getIntType());
     ASSERT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     std::shared_ptr<DmNodeDef> out;
     EXPECT_EQ(setOf(*ns, "op")->import(nullptr, kFailOnClash, "op", out, 0), DmStatus::kFailure);
@@ -674,24 +598,19 @@ TEST_F(DmOverloadSetTest, ImportIntoNoScopeFails) {
 }
 
 TEST_F(DmOverloadSetTest, ImportToATakenNameFailsOnClash) {
-    auto const source = makeNamespace("source");
-    auto const target = makeNamespace("target");
-    auto const def = makeOp(DmLibrary::getIntType());
-    auto const there = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(def->setScope(source.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(there->setScope(target.get(), kFailOnClash), DmStatus::kSuccess);
+    auto const [source, set, def] = placeOverloadsIn("source", DmLibrary::getIntType());
+    auto const [target, targetSet, there] = placeOverloadsIn("target", DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
     std::shared_ptr<DmNodeDef> out;
     EXPECT_EQ(setOf(*source, "op")->import(target, kFailOnClash, "op", out, 0), DmStatus::kInvalidArgument);
     EXPECT_TRUE(def->imports().empty());
 }
 
 TEST_F(DmOverloadSetTest, ImportImportsEachOverloadAsAnOverload) {
-    auto const source = makeNamespace("source");
+    auto const [source, set, first, second] =
+        placeOverloadsIn("source", DmLibrary::getIntType(), DmLibrary::getFloatType());
+    ASSERT_FALSE(HasFailure());
     auto const target = makeNamespace("target");
-    auto const first = makeOp(DmLibrary::getIntType());
-    auto const second = makeOp(DmLibrary::getFloatType());
-    ASSERT_EQ(first->setScope(source.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(second->setScope(source.get(), kAsOverload), DmStatus::kSuccess);
     std::shared_ptr<DmNodeDef> out;
     EXPECT_EQ(setOf(*source, "op")->import(target, kFailOnClash, "op", out, 0), DmStatus::kSuccess);
     for (auto const& def : {first, second}) {
@@ -703,12 +622,9 @@ TEST_F(DmOverloadSetTest, ImportImportsEachOverloadAsAnOverload) {
 }
 
 TEST_F(DmOverloadSetTest, ImportToATakenNameImportsUnderANewName) {
-    auto const source = makeNamespace("source");
-    auto const target = makeNamespace("target");
-    auto const def = makeOp(DmLibrary::getIntType());
-    auto const there = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(def->setScope(source.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(there->setScope(target.get(), kFailOnClash), DmStatus::kSuccess);
+    auto const [source, set, def] = placeOverloadsIn("source", DmLibrary::getIntType());
+    auto const [target, targetSet, there] = placeOverloadsIn("target", DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
     std::shared_ptr<DmNodeDef> out;
     EXPECT_EQ(setOf(*source, "op")->import(target, kMakeUnique, "op", out, 0), DmStatus::kSuccess);
     ASSERT_EQ(def->imports().size(), 1u);
@@ -721,12 +637,8 @@ TEST_F(DmOverloadSetTest, ImportToATakenNameImportsUnderANewName) {
 // Changes of an overload reach its set and the nodes made from the set
 
 TEST_F(DmOverloadSetTest, NodeOnASetShowsTheMergedInterface) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    auto const second = makeOp(DmLibrary::getFloatType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(second->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, first, second] = placeOverloads(DmLibrary::getIntType(), DmLibrary::getFloatType());
+    ASSERT_FALSE(HasFailure());
 
     auto const node = DmNode::createNode("n", set);
     ASSERT_NE(node, nullptr);
@@ -739,15 +651,13 @@ TEST_F(DmOverloadSetTest, NodeOnASetShowsTheMergedInterface) {
 }
 
 TEST_F(DmOverloadSetTest, NodeOnASetFollowsTheWideningAndTheNarrowing) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, first] = placeOverloads(DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
     auto const node = DmNode::createNode("n", set);
     ASSERT_NE(node, nullptr);
     ASSERT_EQ(node->find("x")->second->getPortDescription()->getType(), DmLibrary::getIntType());
 
-    auto const second = makeOp(DmLibrary::getFloatType());
+    auto const second = makeUserDef(DmLibrary::getFloatType());
     ASSERT_EQ(second->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
     EXPECT_EQ(node->find("x")->second->getPortDescription(), set->getPortsInterface()["x"]);
     EXPECT_EQ(node->find("x")->second->getPortDescription()->getType(), DmLibrary::getAutoType());
@@ -758,10 +668,8 @@ TEST_F(DmOverloadSetTest, NodeOnASetFollowsTheWideningAndTheNarrowing) {
 }
 
 TEST_F(DmOverloadSetTest, PortAddedToAnOverloadReachesItsSetAndItsNodes) {
-    auto const ns = makeNamespace("geo");
-    auto const def = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, def] = placeOverloads(DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
     auto const node = DmNode::createNode("n", set);
     ASSERT_NE(node, nullptr);
 
@@ -774,10 +682,8 @@ TEST_F(DmOverloadSetTest, PortAddedToAnOverloadReachesItsSetAndItsNodes) {
 }
 
 TEST_F(DmOverloadSetTest, PortRemovedFromAnOverloadLeavesItsSetAndItsNodes) {
-    auto const ns = makeNamespace("geo");
-    auto const def = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, def] = placeOverloads(DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
     auto const node = DmNode::createNode("n", set);
     ASSERT_NE(node, nullptr);
 
@@ -787,10 +693,8 @@ TEST_F(DmOverloadSetTest, PortRemovedFromAnOverloadLeavesItsSetAndItsNodes) {
 }
 
 TEST_F(DmOverloadSetTest, PortRenamedOnAnOverloadIsRenamedOnItsSetAndItsNodes) {
-    auto const ns = makeNamespace("geo");
-    auto const def = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, def] = placeOverloads(DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
     auto const node = DmNode::createNode("n", set);
     ASSERT_NE(node, nullptr);
 
@@ -801,21 +705,19 @@ TEST_F(DmOverloadSetTest, PortRenamedOnAnOverloadIsRenamedOnItsSetAndItsNodes) {
 
 TEST_F(DmOverloadSetTest, NodeOnAnOverloadDoesNotSeeTheOtherOverloads) {
     auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
+    auto const first = makeUserDef(DmLibrary::getIntType());
     ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
     auto const node = DmNode::createNode("n", first);
     ASSERT_NE(node, nullptr);
-    auto const second = makeOp(DmLibrary::getFloatType());
+    auto const second = makeUserDef(DmLibrary::getFloatType());
     ASSERT_EQ(second->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
     EXPECT_EQ(node->getNodeDef(), first.get());
     EXPECT_EQ(node->find("x")->second->getPortDescription()->getType(), DmLibrary::getIntType());
 }
 
 TEST_F(DmOverloadSetTest, PortReplacedOnAnOverloadReachesItsSetAndItsNodes) {
-    auto const ns = makeNamespace("geo");
-    auto const def = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(def->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, def] = placeOverloads(DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
     auto const node = DmNode::createNode("n", set);
     ASSERT_NE(node, nullptr);
 
@@ -826,12 +728,8 @@ TEST_F(DmOverloadSetTest, PortReplacedOnAnOverloadReachesItsSetAndItsNodes) {
 }
 
 TEST_F(DmOverloadSetTest, PortReplacedOnOneOfTwoOverloadsWidensTheSet) {
-    auto const ns = makeNamespace("geo");
-    auto const first = makeOp(DmLibrary::getIntType());
-    auto const second = makeOp(DmLibrary::getIntType());
-    ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
-    ASSERT_EQ(second->setScope(ns.get(), kAsOverload), DmStatus::kSuccess);
-    auto const set = setOf(*ns, "op");
+    auto const [ns, set, first, second] = placeOverloads(DmLibrary::getIntType(), DmLibrary::getIntType());
+    ASSERT_FALSE(HasFailure());
     ASSERT_EQ(typeOf(*set, "x"), DmLibrary::getIntType());
 
     ASSERT_TRUE(second->replaceExistingPort(input("x", DmLibrary::getFloatType())));

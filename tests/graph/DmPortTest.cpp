@@ -29,6 +29,8 @@ namespace {
 using namespace Kesto;
 using KestoTest::fullName;
 using KestoTest::input;
+using KestoTest::intValue;
+using KestoTest::makeAssociativeDef;
 using KestoTest::makeNamespace;
 using KestoTest::makeStruct;
 using KestoTest::output;
@@ -50,24 +52,22 @@ std::shared_ptr<DmNativeNodeDef> defWith(std::shared_ptr<DmPortDescription> cons
     return def;
 }
 
-/// An associative "add": the associative inputs a and b, the output out.
-std::shared_ptr<DmNativeNodeDef> makeAssociativeDef() {
-    auto def = makeDef("add");
-    def->setAssociativity(DmNodeDef::kLeftToRight);
-    auto a = input("a", DmLibrary::getIntType());
-    auto b = input("b", DmLibrary::getIntType());
-    def->addPortDescription(a, kFailOnClash);
-    def->addPortDescription(b, kFailOnClash);
-    def->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
-    a->setAssociative(true);
-    b->setAssociative(true);
-    return def;
+/// A node "n" and the definition it is made on.
+struct NodeAndDef {
+    std::shared_ptr<DmNativeNodeDef> def;
+    std::shared_ptr<DmNode> node;
+};
+
+/// A node "n" on a definition with the one port `port`.
+NodeAndDef nodeWith(std::shared_ptr<DmPortDescription> const& port) {
+    auto def = defWith(port);
+    auto node = DmNode::createNode("n", def);
+    return {std::move(def), std::move(node)};
 }
 
-std::shared_ptr<DmIntValue> intValue(int data) {
-    auto value = std::make_shared<DmIntValue>();
-    value->setData(data);
-    return value;
+/// The auto multi-in port "m".
+std::shared_ptr<DmPortDescription> autoMultiIn() {
+    return DmPortDescription::newMultiInPortDescription("m", kNameVerbatim);
 }
 
 std::shared_ptr<DmFloatValue> floatValue(float data) {
@@ -98,8 +98,7 @@ std::shared_ptr<DmBaseType const> arrayOfInt() {
 
 TEST_F(DmPortTest, TakesNameAndKeyOfItsDescription) {
     auto a = input("a", DmLibrary::getIntType());
-    auto def = defWith(a);
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(a);
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["a"];
     ASSERT_NE(port, nullptr);
@@ -124,8 +123,7 @@ TEST_F(DmPortTest, NameFollowsItsDescription) {
 }
 
 TEST_F(DmPortTest, FullNameIsNodeNameDotPortName) {
-    auto def = defWith(input("a", DmLibrary::getIntType()));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(input("a", DmLibrary::getIntType()));
     ASSERT_NE(node, nullptr);
     EXPECT_EQ(fullName(*(*node)["a"]), "n.a");
 }
@@ -167,7 +165,7 @@ TEST_F(DmPortTest, DirectionQueriesAskItsDescription) {
 
 TEST_F(DmPortTest, IsMultiInFollowsKindOfItsDescription) {
     auto def = makeDef();
-    def->addPortDescription(DmPortDescription::newMultiInPortDescription("m", kNameVerbatim), kFailOnClash);
+    def->addPortDescription(autoMultiIn(), kFailOnClash);
     def->addPortDescription(input("a", DmLibrary::getIntType()), kFailOnClash);
     auto node = DmNode::createNode("n", def);
     ASSERT_NE(node, nullptr);
@@ -176,8 +174,7 @@ TEST_F(DmPortTest, IsMultiInFollowsKindOfItsDescription) {
 }
 
 TEST_F(DmPortTest, NewPortBuildsPortForNodeWithoutEnteringIt) {
-    auto def = defWith(input("a", DmLibrary::getIntType()));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(input("a", DmLibrary::getIntType()));
     ASSERT_NE(node, nullptr);
     auto extra = input("extra", DmLibrary::getIntType());
     auto const port = DmPort::newPort(extra, node.get());
@@ -189,8 +186,7 @@ TEST_F(DmPortTest, NewPortBuildsPortForNodeWithoutEnteringIt) {
 }
 
 TEST_F(DmPortTest, NewPortWithParentIsMember) {
-    auto def = defWith(DmPortDescription::newMultiInPortDescription("m", kNameVerbatim));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(autoMultiIn());
     ASSERT_NE(node, nullptr);
     auto const parent = (*node)["m"];
     auto const port = DmPort::newPort(input("e", DmLibrary::getIntType()), node.get(), parent.get());
@@ -200,8 +196,7 @@ TEST_F(DmPortTest, NewPortWithParentIsMember) {
 }
 
 TEST_F(DmPortTest, SetPortDescriptionSwapsDescriptionOfSameName) {
-    auto def = defWith(input("a", DmLibrary::getIntType()));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(input("a", DmLibrary::getIntType()));
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["a"];
     auto replacement = input("a", DmLibrary::getFloatType());
@@ -211,8 +206,7 @@ TEST_F(DmPortTest, SetPortDescriptionSwapsDescriptionOfSameName) {
 
 TEST_F(DmPortTest, SetPortDescriptionRefusesDescriptionOfOtherName) {
     auto a = input("a", DmLibrary::getIntType());
-    auto def = defWith(a);
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(a);
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["a"];
     EXPECT_FALSE(port->setPortDescription(input("b", DmLibrary::getIntType())));
@@ -224,8 +218,7 @@ TEST_F(DmPortTest, SetPortDescriptionRefusesDescriptionOfOtherName) {
 // Default values
 
 TEST_F(DmPortTest, NewPortHasImplicitDefaultValueOfItsType) {
-    auto def = defWith(input("a", DmLibrary::getIntType()));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(input("a", DmLibrary::getIntType()));
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["a"];
     ASSERT_NE(port->getDefaultValue(), nullptr);
@@ -247,8 +240,7 @@ TEST_F(DmPortTest, PortWithoutTypeHasNoDefaultValue) {
 
 TEST_F(DmPortTest, InitializeRebuildsDefaultValueFromDescriptionType) {
     auto a = input("a", DmLibrary::getIntType());
-    auto def = defWith(a);
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(a);
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["a"];
     ASSERT_TRUE(a->setType(DmLibrary::getFloatType()));
@@ -259,8 +251,7 @@ TEST_F(DmPortTest, InitializeRebuildsDefaultValueFromDescriptionType) {
 
 TEST_F(DmPortTest, SetDefaultValueOfSameTypeStoresIt) {
     auto a = input("a", DmLibrary::getIntType());
-    auto def = defWith(a);
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(a);
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["a"];
     auto const value = intValue(7);
@@ -272,8 +263,7 @@ TEST_F(DmPortTest, SetDefaultValueOfSameTypeStoresIt) {
 
 TEST_F(DmPortTest, SetDefaultValueOfOtherTypeOnFreePortChangesTypeNodeSees) {
     auto a = input("a", DmLibrary::getIntType());
-    auto def = defWith(a);
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(a);
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["a"];
     auto const value = floatValue(2.5f);
@@ -285,8 +275,7 @@ TEST_F(DmPortTest, SetDefaultValueOfOtherTypeOnFreePortChangesTypeNodeSees) {
 }
 
 TEST_F(DmPortTest, SetDefaultValueOnMemberRefusesOtherType) {
-    auto def = defWith(input("p", makePoint()));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(input("p", makePoint()));
     ASSERT_NE(node, nullptr);
     std::shared_ptr<DmPort> x;
     ASSERT_TRUE((*node)["p"]->getMember("x", x));
@@ -297,8 +286,7 @@ TEST_F(DmPortTest, SetDefaultValueOnMemberRefusesOtherType) {
 }
 
 TEST_F(DmPortTest, SetDefaultValueOnMemberWritesParentStructValue) {
-    auto def = defWith(input("p", makePoint()));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(input("p", makePoint()));
     ASSERT_NE(node, nullptr);
     auto const parent = (*node)["p"];
     std::shared_ptr<DmPort> x;
@@ -315,8 +303,7 @@ TEST_F(DmPortTest, SetDefaultValueOnMemberWritesParentStructValue) {
 
 TEST_F(DmPortTest, SetDefaultValueOnStructPortRewritesMembers) {
     auto point = makePoint();
-    auto def = defWith(input("p", point));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(input("p", point));
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["p"];
     auto const value = std::dynamic_pointer_cast<DmStructValue>(point->createDefaultValue());
@@ -349,8 +336,7 @@ TEST_F(DmPortTest, SetDefaultValueOnValueNodePortRefusesOtherType) {
 // Struct members
 
 TEST_F(DmPortTest, StructPortBuildsMemberPortsInOrder) {
-    auto def = defWith(input("p", makePoint()));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(input("p", makePoint()));
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["p"];
     EXPECT_TRUE(port->hasMembers());
@@ -380,8 +366,7 @@ TEST_F(DmPortTest, NestedStructMembersAreBuiltRecursively) {
     auto outer = std::make_shared<DmStructType>(DmExternBaseType::InternalConstructor(), "Outer");
     outer->addMember("inner", makePoint());
     outer->addMember("count", DmLibrary::getIntType());
-    auto def = defWith(input("o", outer));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(input("o", outer));
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["o"];
     EXPECT_EQ(portNames(port->getMembers()), (Names{"inner", "count"}));
@@ -396,8 +381,7 @@ TEST_F(DmPortTest, NestedStructMembersAreBuiltRecursively) {
 }
 
 TEST_F(DmPortTest, GetMemberOnPlainPortIsFalse) {
-    auto def = defWith(input("a", DmLibrary::getIntType()));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(input("a", DmLibrary::getIntType()));
     ASSERT_NE(node, nullptr);
     std::shared_ptr<DmPort> member;
     EXPECT_FALSE((*node)["a"]->getMember("x", member));
@@ -405,8 +389,7 @@ TEST_F(DmPortTest, GetMemberOnPlainPortIsFalse) {
 }
 
 TEST_F(DmPortTest, GetMemberMissesUnknownAndTooDeepPaths) {
-    auto def = defWith(input("p", makePoint()));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(input("p", makePoint()));
     ASSERT_NE(node, nullptr);
     std::shared_ptr<DmPort> member;
     EXPECT_FALSE((*node)["p"]->getMember("z", member));
@@ -415,8 +398,7 @@ TEST_F(DmPortTest, GetMemberMissesUnknownAndTooDeepPaths) {
 }
 
 TEST_F(DmPortTest, AddMemberRefusesTakenNameAndAppendsOthers) {
-    auto def = defWith(input("p", makePoint()));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(input("p", makePoint()));
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["p"];
     auto const taken = DmPort::newPort(input("x", DmLibrary::getIntType()), node.get(), port.get());
@@ -451,8 +433,7 @@ TEST_F(DmPortTest, AutoPortPassesOverOverrideToItsNode) {
 }
 
 TEST_F(DmPortTest, PortWithoutOverrideAsksItsNode) {
-    auto def = defWith(input("a", DmLibrary::getIntType()));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(input("a", DmLibrary::getIntType()));
     ASSERT_NE(node, nullptr);
     EXPECT_EQ((*node)["a"]->findUnconnectedPortValue(), nullptr);
 
@@ -481,8 +462,7 @@ TEST_F(DmPortTest, FanInEntryTakesValueOfItsParentsName) {
     auto const override = arrayOfInt()->createDefaultValue();
     ASSERT_NE(override, nullptr);
     ASSERT_TRUE(list->setDefaultValueOverride(override));
-    auto def = defWith(list);
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(list);
     ASSERT_NE(node, nullptr);
     std::shared_ptr<DmPort> entry;
     ASSERT_EQ((*node)["list"]->addMultiInPortEntry("e", entry), DmStatus::kSuccess);
@@ -495,8 +475,7 @@ TEST_F(DmPortTest, FanInEntryTakesValueOfItsParentsName) {
 TEST_F(DmPortTest, DefaultValueOverrideIsNullOnNodeOfOverload) {
     auto a = input("a", DmLibrary::getIntType());
     ASSERT_TRUE(a->setDefaultValueOverride(intValue(5)));
-    auto def = defWith(a);
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(a);
     ASSERT_NE(node, nullptr);
     EXPECT_EQ((*node)["a"]->getDefaultValueOverride(), nullptr);
 }
@@ -542,8 +521,7 @@ TEST_F(DmPortTest, DefaultValueOverrideIsNullOnNodeOfSetOfTwoOverloads) {
 // Entries of multi-in and fan-in ports
 
 TEST_F(DmPortTest, AddMultiInPortEntryFailsOnPlainPort) {
-    auto def = defWith(input("a", DmLibrary::getIntType()));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(input("a", DmLibrary::getIntType()));
     ASSERT_NE(node, nullptr);
     std::shared_ptr<DmPort> entry;
     EXPECT_EQ((*node)["a"]->addMultiInPortEntry("in", entry), DmStatus::kFailure);
@@ -552,8 +530,7 @@ TEST_F(DmPortTest, AddMultiInPortEntryFailsOnPlainPort) {
 }
 
 TEST_F(DmPortTest, AddMultiInPortEntryRefusesUnresolvableName) {
-    auto def = defWith(DmPortDescription::newMultiInPortDescription("m", kNameVerbatim));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(autoMultiIn());
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["m"];
     std::shared_ptr<DmPort> entry;
@@ -564,8 +541,7 @@ TEST_F(DmPortTest, AddMultiInPortEntryRefusesUnresolvableName) {
 }
 
 TEST_F(DmPortTest, AddMultiInPortEntryLegalizesName) {
-    auto def = defWith(DmPortDescription::newMultiInPortDescription("m", kNameVerbatim));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(autoMultiIn());
     ASSERT_NE(node, nullptr);
     std::shared_ptr<DmPort> entry;
     EXPECT_EQ((*node)["m"]->addMultiInPortEntry("my entry", entry, kNameLegalize), DmStatus::kSuccess);
@@ -576,8 +552,7 @@ TEST_F(DmPortTest, AddMultiInPortEntryLegalizesName) {
 TEST_F(DmPortTest, MultiInEntryIsInputOfItsPortsType) {
     auto m = input("m", DmLibrary::getIntType());
     ASSERT_EQ(m->setPortKind(kPortMultiIn), DmStatus::kSuccess);
-    auto def = defWith(m);
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(m);
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["m"];
     std::shared_ptr<DmPort> entry;
@@ -597,8 +572,7 @@ TEST_F(DmPortTest, MultiInEntryIsInputOfItsPortsType) {
 }
 
 TEST_F(DmPortTest, EntryOfAutoMultiInPortIsAuto) {
-    auto def = defWith(DmPortDescription::newMultiInPortDescription("m", kNameVerbatim));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(autoMultiIn());
     ASSERT_NE(node, nullptr);
     std::shared_ptr<DmPort> entry;
     ASSERT_EQ((*node)["m"]->addMultiInPortEntry("in", entry), DmStatus::kSuccess);
@@ -606,8 +580,7 @@ TEST_F(DmPortTest, EntryOfAutoMultiInPortIsAuto) {
 }
 
 TEST_F(DmPortTest, AddMultiInPortEntryTwiceWithOneNameMakesSecondUnique) {
-    auto def = defWith(DmPortDescription::newMultiInPortDescription("m", kNameVerbatim));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(autoMultiIn());
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["m"];
     std::shared_ptr<DmPort> first;
@@ -625,8 +598,7 @@ TEST_F(DmPortTest, AddMultiInPortEntryTwiceWithOneNameMakesSecondUnique) {
 TEST_F(DmPortTest, FanInEntryIsAutoWhateverTheArrayType) {
     auto list = input("list", arrayOfInt());
     ASSERT_EQ(list->setPortKind(kPortDefaultFanIn), DmStatus::kSuccess);
-    auto def = defWith(list);
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(list);
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["list"];
     std::shared_ptr<DmPort> entry;
@@ -638,8 +610,7 @@ TEST_F(DmPortTest, FanInEntryIsAutoWhateverTheArrayType) {
 }
 
 TEST_F(DmPortTest, EntryRenameRekeysItAmongSiblings) {
-    auto def = defWith(DmPortDescription::newMultiInPortDescription("m", kNameVerbatim));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(autoMultiIn());
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["m"];
     std::shared_ptr<DmPort> first;
@@ -653,8 +624,7 @@ TEST_F(DmPortTest, EntryRenameRekeysItAmongSiblings) {
 }
 
 TEST_F(DmPortTest, RemoveMultiInPortEntryRemovesIt) {
-    auto def = defWith(DmPortDescription::newMultiInPortDescription("m", kNameVerbatim));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(autoMultiIn());
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["m"];
     std::shared_ptr<DmPort> first;
@@ -667,7 +637,7 @@ TEST_F(DmPortTest, RemoveMultiInPortEntryRemovesIt) {
 
 TEST_F(DmPortTest, RemoveMultiInPortEntryFailsWithoutEntries) {
     auto def = makeDef();
-    def->addPortDescription(DmPortDescription::newMultiInPortDescription("m", kNameVerbatim), kFailOnClash);
+    def->addPortDescription(autoMultiIn(), kFailOnClash);
     def->addPortDescription(DmPortDescription::newMultiInPortDescription("k", kNameVerbatim), kFailOnClash);
     auto node = DmNode::createNode("n", def);
     ASSERT_NE(node, nullptr);
@@ -679,7 +649,7 @@ TEST_F(DmPortTest, RemoveMultiInPortEntryFailsWithoutEntries) {
 
 TEST_F(DmPortTest, RemoveMultiInPortEntryFailsForEntryOfAnotherPort) {
     auto def = makeDef();
-    def->addPortDescription(DmPortDescription::newMultiInPortDescription("m", kNameVerbatim), kFailOnClash);
+    def->addPortDescription(autoMultiIn(), kFailOnClash);
     def->addPortDescription(DmPortDescription::newMultiInPortDescription("k", kNameVerbatim), kFailOnClash);
     auto node = DmNode::createNode("n", def);
     ASSERT_NE(node, nullptr);
@@ -693,8 +663,7 @@ TEST_F(DmPortTest, RemoveMultiInPortEntryFailsForEntryOfAnotherPort) {
 }
 
 TEST_F(DmPortTest, RemoveMultiInPortEntryFailsOnStructPort) {
-    auto def = defWith(input("p", makePoint()));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(input("p", makePoint()));
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["p"];
     std::shared_ptr<DmPort> x;
@@ -720,8 +689,7 @@ TEST_F(DmPortTest, PortOnDefaultFanInDescriptionStartsFanIn) {
 }
 
 TEST_F(DmPortTest, SetFanInOnPlainInputOpensEmptyEntries) {
-    auto def = defWith(input("a", DmLibrary::getIntType()));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(input("a", DmLibrary::getIntType()));
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["a"];
     EXPECT_EQ(port->setFanIn(true), DmStatus::kSuccess);
@@ -736,8 +704,7 @@ TEST_F(DmPortTest, SetFanInOnPlainInputOpensEmptyEntries) {
 }
 
 TEST_F(DmPortTest, SetFanInToCurrentStateDoesNothing) {
-    auto def = defWith(input("a", DmLibrary::getIntType()));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(input("a", DmLibrary::getIntType()));
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["a"];
     EXPECT_EQ(port->setFanIn(false), DmStatus::kSuccess);
@@ -752,8 +719,7 @@ TEST_F(DmPortTest, SetFanInToCurrentStateDoesNothing) {
 }
 
 TEST_F(DmPortTest, SetFanInRefusesOutput) {
-    auto def = defWith(output("out", DmLibrary::getIntType()));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(output("out", DmLibrary::getIntType()));
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["out"];
     EXPECT_EQ(port->setFanIn(true), DmStatus::kFailure);
@@ -761,8 +727,7 @@ TEST_F(DmPortTest, SetFanInRefusesOutput) {
 }
 
 TEST_F(DmPortTest, SetFanInRefusesInputWithMembers) {
-    auto def = defWith(input("p", makePoint()));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(input("p", makePoint()));
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["p"];
     EXPECT_EQ(port->setFanIn(true), DmStatus::kFailure);
@@ -771,8 +736,7 @@ TEST_F(DmPortTest, SetFanInRefusesInputWithMembers) {
 }
 
 TEST_F(DmPortTest, SetFanInOffDropsEntries) {
-    auto def = defWith(input("a", DmLibrary::getIntType()));
-    auto node = DmNode::createNode("n", def);
+    auto [def, node] = nodeWith(input("a", DmLibrary::getIntType()));
     ASSERT_NE(node, nullptr);
     auto const port = (*node)["a"];
     ASSERT_EQ(port->setFanIn(true), DmStatus::kSuccess);

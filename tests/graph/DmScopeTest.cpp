@@ -11,6 +11,7 @@
 #include <KestoDM/platform/BaMessageTypes.h>
 
 #include "GraphTestSupport.h"
+#include "library/LibraryTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -20,19 +21,12 @@
 #include <type_traits>
 
 using namespace Kesto;
+using KestoTest::makeLibrary;
 using KestoTest::makeLogger;
 using KestoTest::makeNamespace;
 using KestoTest::PlainScope;
 using KestoTest::RootNamespace;
 using KestoTest::scopeName;
-
-namespace {
-
-std::shared_ptr<DmLibrary> makeLibrary() {
-    return DmLibrary::newLibrary(std::make_shared<BaContext>(), nullptr, DmExternOperator::kSafe);
-}
-
-} // namespace
 
 // ---------------------------------------------------------------------------
 // Enumerations and constants

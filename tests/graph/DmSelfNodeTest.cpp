@@ -2,7 +2,7 @@
 // inside with their directions inverted, how it follows every port change of
 // the compound, its place among the compound's nodes and connections, and the
 // names it may take.
-#include "graph/ModelTestSupport.h"
+#include "graph/CompoundTestSupport.h"
 
 #include <KestoDM/foundation/DmNameResolution.h>
 #include <KestoDM/foundation/DmStatus.h>
@@ -27,85 +27,20 @@
 namespace {
 
 using namespace Kesto;
+using KestoTest::addNode;
+using KestoTest::connect;
+using KestoTest::described;
 using KestoTest::input;
-using KestoTest::makeLogger;
+using KestoTest::intValue;
+using KestoTest::makeOp;
 using KestoTest::makeStruct;
 using KestoTest::output;
 using KestoTest::portNames;
+using KestoTest::selfPort;
 
 using Names = std::vector<std::string>;
 
-class DmSelfNodeTest : public KestoTest::ModelTest {
-protected:
-    void SetUp() override {
-        ModelTest::SetUp();
-        m_compounds = count<DmCompound>();
-        m_connections = count<DmConnection>();
-        m_scopes = count<DmScope>();
-    }
-
-    void TearDown() override {
-        EXPECT_EQ(count<DmCompound>(), m_compounds) << "compounds left alive";
-        EXPECT_EQ(count<DmConnection>(), m_connections) << "connections left alive";
-        EXPECT_EQ(count<DmScope>(), m_scopes) << "scopes left alive";
-        ModelTest::TearDown();
-    }
-
-    std::shared_ptr<DmCompound> makeCompound(std::string const& name = "graph") {
-        auto compound = DmCompound::createCompound(name, m_logger);
-        compound->initialize();
-        return compound;
-    }
-
-    /// A compound with the int input "a" and the int output "r".
-    std::shared_ptr<DmCompound> makeCompoundWithPorts(std::string const& name = "graph") {
-        auto compound = makeCompound(name);
-        compound->addPortDescription(input("a", DmLibrary::getIntType()), kFailOnClash);
-        compound->addPortDescription(output("r", DmLibrary::getIntType()), kFailOnClash);
-        return compound;
-    }
-
-    std::shared_ptr<DmMessageLogger> m_logger = makeLogger();
-
-private:
-    unsigned int m_compounds = 0;
-    unsigned int m_connections = 0;
-    unsigned int m_scopes = 0;
-};
-
-/// "op": the int input "in" and the int output "out".
-std::shared_ptr<DmNativeNodeDef> makeOp(std::string const& name = "op") {
-    auto def = DmNativeNodeDef::newNativeNodeDef(name, DmNativeNodeDef::kPass);
-    def->addPortDescription(input("in", DmLibrary::getIntType()), kFailOnClash);
-    def->addPortDescription(output("out", DmLibrary::getIntType()), kFailOnClash);
-    return def;
-}
-
-std::shared_ptr<DmIntValue> intValue(int data) {
-    auto value = std::make_shared<DmIntValue>();
-    value->setData(data);
-    return value;
-}
-
-std::shared_ptr<DmPort> selfPort(DmCompound const& compound, std::string const& name) {
-    return (*compound.getSelfNode())[name];
-}
-
-std::shared_ptr<DmPortDescription> described(DmCompound const& compound, std::string const& name) {
-    return compound.getPortsInterface()[name];
-}
-
-DmStatus connect(DmCompound& compound, std::string const& source, std::string const& target) {
-    std::shared_ptr<DmConnection> connection;
-    return compound.makeConnection(source, target, connection);
-}
-
-std::shared_ptr<DmNode> addNode(DmCompound& compound, std::string const& name,
-                                std::shared_ptr<DmNodeDef> const& def) {
-    auto node = DmNode::createNode(name, def);
-    EXPECT_EQ(compound.addNode(node, kFailOnClash), DmStatus::kSuccess);
-    return node;
-}
+class DmSelfNodeTest : public KestoTest::CompoundTest {};
 
 } // namespace
 

@@ -26,50 +26,17 @@ using namespace Kesto;
 using KestoTest::input;
 using KestoTest::makeNamespace;
 using KestoTest::makeStruct;
+using KestoTest::makeTerminalWithInputs;
 using KestoTest::output;
 using KestoTest::portNames;
+using KestoTest::recordsOf;
+using KestoTest::setOf;
+using KestoTest::UserDef;
 
 namespace {
 
-/// A definition written by a host: neither terminal nor placeholder.
-class UserDef : public DmOverload {
-public:
-    explicit UserDef(std::string name) : DmOverload(std::move(name), true) {}
-
-    static std::shared_ptr<UserDef> make(std::string name) {
-        return std::make_shared<UserDef>(std::move(name));
-    }
-
-    DmStatus import(std::shared_ptr<DmScope> const&, DmNameResolutionType, std::string const&,
-                    std::shared_ptr<DmNodeDef>&, ImportErrorFlags) override {
-        return DmStatus::kSuccess;
-    }
-};
-
 std::shared_ptr<DmTerminalNodeDef> makeTerminal(std::string const& name = "result") {
     return DmTerminalNodeDef::createTerminalNodeDef(name, kNameVerbatim);
-}
-
-/// A terminal "result" with the int inputs "a", "b" and "c".
-std::shared_ptr<DmTerminalNodeDef> makeTerminalWithInputs() {
-    auto terminal = makeTerminal();
-    for (auto const& name : {"a", "b", "c"})
-        terminal->addPortDescription(input(name, DmLibrary::getIntType()), kFailOnClash);
-    return terminal;
-}
-
-std::shared_ptr<DmOverloadSet> setOf(DmScope const& scope, std::string const& name) {
-    std::shared_ptr<DmOverloadSet> set;
-    scope.findNodeDef(name, set);
-    return set;
-}
-
-/// The names of the ports of `states`' records, in order, with "-" for a disabled one.
-std::vector<std::string> recordsOf(DmTerminalStates const& states) {
-    std::vector<std::string> records;
-    for (auto const& state : states)
-        records.push_back((state.isEnabled() ? "" : "-") + state.getPort()->getName());
-    return records;
 }
 
 class DmTerminalNodeDefTest : public KestoTest::ModelTest {};

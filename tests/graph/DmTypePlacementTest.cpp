@@ -10,6 +10,7 @@
 #include <KestoDM/types/DmUnknownStructType.h>
 
 #include "GraphTestSupport.h"
+#include "library/LibraryTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -18,17 +19,10 @@
 
 using namespace Kesto;
 using KestoTest::fullName;
+using KestoTest::makeLibrary;
 using KestoTest::makeLogger;
 using KestoTest::makeNamespace;
 using KestoTest::makeStruct;
-
-namespace {
-
-std::shared_ptr<DmLibrary> makeLibrary() {
-    return DmLibrary::newLibrary(std::make_shared<BaContext>(), nullptr, DmExternOperator::kSafe);
-}
-
-} // namespace
 
 // ---------------------------------------------------------------------------
 // Full names

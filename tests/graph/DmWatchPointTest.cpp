@@ -27,16 +27,8 @@ class DmWatchPointTest : public KestoTest::ModelTest {
 protected:
     void SetUp() override {
         ModelTest::SetUp();
-        m_watchPoints = count<DmWatchPoint>();
+        expectBackAtEnd<DmWatchPoint>("watch points");
     }
-
-    void TearDown() override {
-        EXPECT_EQ(count<DmWatchPoint>(), m_watchPoints) << "watch points left alive";
-        ModelTest::TearDown();
-    }
-
-private:
-    unsigned int m_watchPoints = 0;
 };
 
 /// What a client's callback saw.

@@ -18,6 +18,7 @@ using namespace Kesto;
 using KestoTest::arrayOf;
 using KestoTest::input;
 using KestoTest::insideOf;
+using KestoTest::loopingSelfNodeOf;
 using KestoTest::makeLogger;
 using KestoTest::makeWhile;
 using KestoTest::output;
@@ -26,10 +27,7 @@ using KestoTest::withRole;
 
 namespace {
 
-class DmWhileCompoundTest : public KestoTest::LoopTest {
-protected:
-    std::shared_ptr<DmArrayType> const m_intArray = arrayOf(DmLibrary::getIntType());
-};
+class DmWhileCompoundTest : public KestoTest::LoopTest {};
 
 } // namespace
 
@@ -38,8 +36,7 @@ protected:
 
 TEST_F(DmWhileCompoundTest, WhileLoopRunsOverNoArray) {
     auto const loop = makeWhile();
-    auto const* const selfNode =
-        dynamic_cast<DmLoopingCompound::DmLoopingSelfNode const*>(loop->getInternalSelfNode().get());
+    auto const* const selfNode = loopingSelfNodeOf(*loop);
     ASSERT_NE(selfNode, nullptr);
     EXPECT_FALSE(selfNode->isArrayLoop());
     EXPECT_STREQ(DmWhileCompound::kIcon, "../icons/LoopDo_While.svg");

@@ -25,43 +25,27 @@
 
 namespace KestoTest {
 
+inline std::shared_ptr<Kesto::DmArrayType> arrayOf(std::shared_ptr<Kesto::DmBaseType const> element) {
+    return std::make_shared<Kesto::DmArrayType>(std::move(element));
+}
+
 /// ModelTest that also expects the compounds, loops, scopes, types and
 /// metadata items that a test makes to be gone when it ends.
 class LoopTest : public ModelTest {
 protected:
     void SetUp() override {
         ModelTest::SetUp();
-        m_compounds = count<Kesto::DmCompound>();
-        m_loops = count<Kesto::DmLoopingCompound>();
-        m_whiles = count<Kesto::DmWhileCompound>();
-        m_iterates = count<Kesto::DmIterateCompound>();
-        m_forEaches = count<Kesto::DmForEachCompound>();
-        m_scopes = count<Kesto::DmScope>();
-        m_types = count<Kesto::DmBaseType>();
-        m_items = count<Kesto::DmMetadataItem>();
+        expectBackAtEnd<Kesto::DmCompound>("compounds");
+        expectBackAtEnd<Kesto::DmLoopingCompound>("loops");
+        expectBackAtEnd<Kesto::DmWhileCompound>("while loops");
+        expectBackAtEnd<Kesto::DmIterateCompound>("iterate loops");
+        expectBackAtEnd<Kesto::DmForEachCompound>("for-each loops");
+        expectBackAtEnd<Kesto::DmScope>("scopes");
+        expectBackAtEnd<Kesto::DmBaseType>("types");
+        expectBackAtEnd<Kesto::DmMetadataItem>("metadata items");
     }
 
-    void TearDown() override {
-        EXPECT_EQ(count<Kesto::DmCompound>(), m_compounds) << "compounds left alive";
-        EXPECT_EQ(count<Kesto::DmLoopingCompound>(), m_loops) << "loops left alive";
-        EXPECT_EQ(count<Kesto::DmWhileCompound>(), m_whiles) << "while loops left alive";
-        EXPECT_EQ(count<Kesto::DmIterateCompound>(), m_iterates) << "iterate loops left alive";
-        EXPECT_EQ(count<Kesto::DmForEachCompound>(), m_forEaches) << "for-each loops left alive";
-        EXPECT_EQ(count<Kesto::DmScope>(), m_scopes) << "scopes left alive";
-        EXPECT_EQ(count<Kesto::DmBaseType>(), m_types) << "types left alive";
-        EXPECT_EQ(count<Kesto::DmMetadataItem>(), m_items) << "metadata items left alive";
-        ModelTest::TearDown();
-    }
-
-private:
-    unsigned int m_compounds = 0;
-    unsigned int m_loops = 0;
-    unsigned int m_whiles = 0;
-    unsigned int m_iterates = 0;
-    unsigned int m_forEaches = 0;
-    unsigned int m_scopes = 0;
-    unsigned int m_types = 0;
-    unsigned int m_items = 0;
+    std::shared_ptr<Kesto::DmArrayType> const m_intArray = arrayOf(Kesto::DmLibrary::getIntType());
 };
 
 inline std::shared_ptr<Kesto::DmWhileCompound> makeWhile(std::string const& name = "loop") {
@@ -82,10 +66,6 @@ inline std::shared_ptr<Kesto::DmForEachCompound> makeForEach(std::string const& 
     return loop;
 }
 
-inline std::shared_ptr<Kesto::DmArrayType> arrayOf(std::shared_ptr<Kesto::DmBaseType const> element) {
-    return std::make_shared<Kesto::DmArrayType>(std::move(element));
-}
-
 inline std::shared_ptr<Kesto::DmUnknownType> makeUnknownType(std::string const& name) {
     return std::make_shared<Kesto::DmUnknownType>(Kesto::DmExternBaseType::InternalConstructor(), name);
 }
@@ -95,6 +75,11 @@ inline std::shared_ptr<Kesto::DmPortDescription> withRole(std::shared_ptr<Kesto:
                                                           Kesto::IterationAttribute attribute) {
     port->setIterationAttribute(attribute);
     return port;
+}
+
+/// The self node of a loop as the looping self node it must be, or null.
+inline Kesto::DmLoopingCompound::DmLoopingSelfNode const* loopingSelfNodeOf(Kesto::DmCompound const& loop) {
+    return dynamic_cast<Kesto::DmLoopingCompound::DmLoopingSelfNode const*>(loop.getInternalSelfNode().get());
 }
 
 /// The description of the self node's port `name`, or null.

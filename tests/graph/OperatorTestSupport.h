@@ -18,25 +18,11 @@ class OperatorTest : public ModelTest {
 protected:
     void SetUp() override {
         ModelTest::SetUp();
-        m_externOperators = count<Kesto::DmExternOperator>();
-        m_cppOperators = count<Kesto::DmCppOperator>();
-        m_symbols = count<Kesto::DmExternSymbol>();
-        m_jobPorts = count<Kesto::DmJobPort>();
+        expectBackAtEnd<Kesto::DmExternOperator>("external operators");
+        expectBackAtEnd<Kesto::DmCppOperator>("C++ operators");
+        expectBackAtEnd<Kesto::DmExternSymbol>("extern symbols");
+        expectBackAtEnd<Kesto::DmJobPort>("job ports");
     }
-
-    void TearDown() override {
-        EXPECT_EQ(count<Kesto::DmExternOperator>(), m_externOperators) << "external operators left alive";
-        EXPECT_EQ(count<Kesto::DmCppOperator>(), m_cppOperators) << "C++ operators left alive";
-        EXPECT_EQ(count<Kesto::DmExternSymbol>(), m_symbols) << "extern symbols left alive";
-        EXPECT_EQ(count<Kesto::DmJobPort>(), m_jobPorts) << "job ports left alive";
-        ModelTest::TearDown();
-    }
-
-private:
-    unsigned int m_externOperators = 0;
-    unsigned int m_cppOperators = 0;
-    unsigned int m_symbols = 0;
-    unsigned int m_jobPorts = 0;
 };
 
 } // namespace KestoTest

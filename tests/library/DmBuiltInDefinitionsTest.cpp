@@ -14,6 +14,7 @@
 
 #include "graph/GraphTestSupport.h"
 #include "library/BuiltInsTestSupport.h"
+#include "library/LibraryTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -24,14 +25,11 @@
 
 using namespace Kesto;
 using KestoTest::keysOf;
+using KestoTest::makeLibrary;
 
 namespace {
 
 using Names = std::vector<std::string>;
-
-std::shared_ptr<DmLibrary> makeLibrary() {
-    return DmLibrary::newLibrary(std::make_shared<BaContext>(), nullptr, DmExternOperator::kSafe);
-}
 
 /// One row of the table of built-ins: ports as "name:type", inputs first.
 struct BuiltIn {

@@ -9,6 +9,8 @@
 #include <KestoDM/types/DmStructType.h>
 #include <KestoDM/types/DmUninstantiableType.h>
 
+#include "library/LibraryTestSupport.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -46,8 +48,7 @@ private:
 /// collections, and a reset at the end of each round.
 void useOneLibrary(StartingLine& start, std::atomic<int>& failures) {
     start.wait();
-    auto const library =
-        DmLibrary::newLibrary(std::make_shared<BaContext>(), nullptr, DmExternOperator::kSafe);
+    auto const library = KestoTest::makeLibrary();
     auto const fail = [&failures] { failures.fetch_add(1); };
     for (int round = 0; round < kRounds; ++round) {
         // First, while another thread may be making the built-in namespace:

@@ -6,6 +6,7 @@
 #include <KestoDM/platform/BaContext.h>
 
 #include "graph/GraphTestSupport.h"
+#include "library/LibraryTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -15,15 +16,13 @@
 
 using namespace Kesto;
 using KestoTest::keysOf;
+using KestoTest::makeLibrary;
 using KestoTest::makeNamespace;
+using KestoTest::namespaceAt;
 
 namespace {
 
 using Names = std::vector<std::string>;
-
-std::shared_ptr<DmLibrary> makeLibrary() {
-    return DmLibrary::newLibrary(std::make_shared<BaContext>(), nullptr, DmExternOperator::kSafe);
-}
 
 /// A variable named `name` placed in the namespace at `path` ("" for the
 /// global namespace itself).
@@ -31,8 +30,7 @@ std::shared_ptr<DmGlobalVariable> placeVariable(DmLibrary& library, std::string 
                                                 std::string const& name) {
     auto variable = DmGlobalVariable::createGlobalVariable(name, kNameVerbatim);
     EXPECT_NE(variable, nullptr);
-    EXPECT_EQ(variable->setNamespace(library.getGlobalNamespace()->fetchNamespace(path).get(), kFailOnClash),
-              DmStatus::kSuccess);
+    EXPECT_EQ(variable->setNamespace(namespaceAt(library, path), kFailOnClash), DmStatus::kSuccess);
     return variable;
 }
 

@@ -2,6 +2,8 @@
 #include <KestoDM/library/DmLibrary.h>
 #include <KestoDM/platform/BaContext.h>
 
+#include "library/LibraryTestSupport.h"
+
 #include <gtest/gtest.h>
 
 #include <boost/filesystem.hpp>
@@ -52,8 +54,7 @@ private:
 
 class DmLibraryJsonFiles : public testing::Test {
 protected:
-    std::shared_ptr<DmLibrary> m_library =
-        DmLibrary::newLibrary(std::make_shared<BaContext>(), nullptr, DmExternOperator::kSafe);
+    std::shared_ptr<DmLibrary> m_library = KestoTest::makeLibrary();
     TempDir m_dir;
 };
 

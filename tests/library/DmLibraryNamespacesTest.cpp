@@ -9,6 +9,7 @@
 #include <KestoDM/types/DmUninstantiableType.h>
 
 #include "graph/GraphTestSupport.h"
+#include "library/LibraryTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -19,15 +20,12 @@
 
 using namespace Kesto;
 using KestoTest::keysOf;
+using KestoTest::makeLibrary;
 using KestoTest::makeNamespace;
 
 namespace {
 
 using Names = std::vector<std::string>;
-
-std::shared_ptr<DmLibrary> makeLibrary(std::ostream* stream = nullptr) {
-    return DmLibrary::newLibrary(std::make_shared<BaContext>(), stream, DmExternOperator::kSafe);
-}
 
 } // namespace
 

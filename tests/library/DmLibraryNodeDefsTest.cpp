@@ -7,6 +7,7 @@
 
 #include "graph/GraphTestSupport.h"
 #include "library/BuiltInsTestSupport.h"
+#include "library/LibraryTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -16,21 +17,18 @@
 
 using namespace Kesto;
 using KestoTest::keysOf;
+using KestoTest::makeLibrary;
+using KestoTest::namespaceAt;
 
 namespace {
 
 using Names = std::vector<std::string>;
 
-std::shared_ptr<DmLibrary> makeLibrary() {
-    return DmLibrary::newLibrary(std::make_shared<BaContext>(), nullptr, DmExternOperator::kSafe);
-}
-
 std::shared_ptr<DmUnknownNodeDef> placeDef(DmLibrary& library, std::string const& path,
                                            std::string const& name,
                                            DmNameResolutionType type = kFailOnClash) {
     auto def = DmUnknownNodeDef::newUnknownNodeDef(name);
-    EXPECT_EQ(def->setScope(library.getGlobalNamespace()->fetchNamespace(path).get(), type),
-              DmStatus::kSuccess);
+    EXPECT_EQ(def->setScope(namespaceAt(library, path), type), DmStatus::kSuccess);
     return def;
 }
 

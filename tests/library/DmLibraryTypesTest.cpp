@@ -12,6 +12,7 @@
 
 #include "graph/GraphTestSupport.h"
 #include "library/BuiltInsTestSupport.h"
+#include "library/LibraryTestSupport.h"
 
 #include <gtest/gtest.h>
 
@@ -24,22 +25,19 @@ using KestoTest::AcceptAll;
 using KestoTest::fullName;
 using KestoTest::keysOf;
 using KestoTest::makeClass;
+using KestoTest::makeLibrary;
 using KestoTest::makeStruct;
 using KestoTest::namesOf;
+using KestoTest::namespaceAt;
 
 namespace {
 
 using Names = std::vector<std::string>;
 
-std::shared_ptr<DmLibrary> makeLibrary() {
-    return DmLibrary::newLibrary(std::make_shared<BaContext>(), nullptr, DmExternOperator::kSafe);
-}
-
 std::shared_ptr<DmStructType> placeStruct(DmLibrary& library, std::string const& path,
                                           std::string const& name) {
     auto type = makeStruct(name);
-    EXPECT_EQ(type->setNamespace(library.getGlobalNamespace()->fetchNamespace(path).get(), kFailOnClash),
-              DmStatus::kSuccess);
+    EXPECT_EQ(type->setNamespace(namespaceAt(library, path), kFailOnClash), DmStatus::kSuccess);
     return type;
 }
 
