@@ -100,6 +100,9 @@ DmCompound::~DmCompound() {
     for (auto const& entry : *m_nodes) {
         entry.second->setOwner(nullptr);
     }
+    if (m_selfNode) {
+        m_selfNode->setOwner(nullptr);
+    }
 }
 
 void DmCompound::initialize() {
@@ -206,6 +209,37 @@ std::shared_ptr<DmNode> DmCompound::findNode(std::string const& name) const {
     return found == m_nodes->end() ? nullptr : found->second;
 }
 
+bool DmCompound::wouldContainItself(DmNodeDef const* def) const {
+    if (def == nullptr) {
+        return false;
+    }
+    // A node of this compound, of its set, or of a compound that holds this
+    // one would make the graph contain itself, and keep itself alive.
+    for (DmScope const* scope = this; scope != nullptr; scope = scope->getParentScope()) {
+        auto const* const compound = dynamic_cast<DmCompound const*>(scope);
+        if (compound == nullptr) {
+            break;
+        }
+        if (def == compound || (compound->get_owner() != nullptr && def == compound->get_owner())) {
+            return true;
+        }
+    }
+    return false;
+}
+
+bool DmCompound::isPortOfItsNode(DmPort const& port) {
+    DmPort const* top = &port;
+    for (; top->getParent() != nullptr; top = top->getParent()) {
+        auto const& siblings = top->getParent()->getMembers();
+        auto const found = siblings.find(top->getName());
+        if (found == siblings.end() || found->second.get() != top) {
+            return false;
+        }
+    }
+    DmNode const* const node = top->getNode();
+    return node != nullptr && (*node)[top->getName()].get() == top;
+}
+
 bool DmCompound::holdsNode(DmNode const* node) const {
     if (node == nullptr) {
         return false;
@@ -221,7 +255,7 @@ DmStatus DmCompound::addNode(std::shared_ptr<DmNode> const& node, DmNameResoluti
     if (!node || node->getOwner() != nullptr || node->isSelfNode()) {
         return DmStatus::kInvalidArgument;
     }
-    if (holdsNode(node.get())) {
+    if (holdsNode(node.get()) || wouldContainItself(node->getNodeDef())) {
         return DmStatus::kInvalidArgument;
     }
     if (type == kFailOnClash || type == kMakeUnique) {
@@ -351,6 +385,13 @@ DmStatus DmCompound::makeConnection(std::shared_ptr<DmPort> const& source,
     // Nodes elsewhere would be left pointing at a connection this compound owns.
     if (!holdsNode(sourceNode) || !holdsNode(targetNode)) {
         return refuse(kConnectionNodesNotInCompound, this);
+    }
+    // A port its node has let go of (a removed port or entry) is no longer on it.
+    if (!isPortOfItsNode(*source)) {
+        return refuse(kConnectionSourcePortMissing, sourceNode);
+    }
+    if (!isPortOfItsNode(*target)) {
+        return refuse(kConnectionTargetPortMissing, targetNode);
     }
     // Only the self node may join its own ports: a value passed through.
     if (sourceNode == targetNode && !sourceNode->isSelfNode()) {

@@ -64,6 +64,10 @@ DmNode::~DmNode() {
     if (m_nodeDef != nullptr) {
         m_nodeDef->unregisterNode(this);
     }
+    // A port held elsewhere outlives its node: it must not point at it.
+    for (auto const& entry : *m_ports) {
+        entry.second->forgetNode();
+    }
 }
 
 // ---------------------------------------------------------------------------
@@ -308,6 +312,13 @@ DmStatus DmNode::replaceNodeDef(std::shared_ptr<DmNodeDef> const& def) {
 void DmNode::resetNodeDef() {
     if (m_nodeDef != nullptr) {
         m_nodeDef->unregisterNode(this);
+        // A self node's clones name the definition that is going.
+        for (auto const& entry : *m_ports) {
+            DmPortDescription& description = *entry.second->getPortDescription();
+            if (description.getNodeDef() == m_nodeDef) {
+                description.setNodeDef(nullptr);
+            }
+        }
     }
     m_nodeDef = nullptr;
     // Last: this may release the definition.

@@ -38,6 +38,12 @@ DmNodeDef::~DmNodeDef() {
     for (DmNode* node : nodes) {
         node->resetNodeDef();
     }
+    // Descriptions are shared: one held elsewhere must not name this definition.
+    for (auto const& entry : m_ports) {
+        if (entry.second->getNodeDef() == this) {
+            entry.second->setNodeDef(nullptr);
+        }
+    }
 }
 
 NodeDefUpdateHelper::~NodeDefUpdateHelper() = default;
@@ -231,7 +237,10 @@ bool DmNodeDef::setName(std::string const& name, DmNameResolutionType type, DmNa
     auto* const overload = dynamic_cast<DmOverload*>(this);
     if (overload != nullptr && overload->get_owner() != nullptr) {
         // The set renames itself, its scope entry and its overloads.
-        overload->get_owner()->setName(resolved, kAsOverload, kNameVerbatim);
+        DmOverloadSet* const set = overload->get_owner();
+        set->setName(resolved, kAsOverload, kNameVerbatim);
+        // The set may have made the name unique: the overload carries the set's.
+        resolved = set->getName();
     } else {
         rekeyScopeEntry(oldName, resolved);
     }
@@ -359,6 +368,10 @@ bool DmNodeDef::renamePortDescription(std::string const& oldName, std::string co
         return true;
     }
     NodeDefUpdateHelper const guard(*this);
+    return renamePortAndPropagate(oldName, newName);
+}
+
+bool DmNodeDef::renamePortAndPropagate(std::string const& oldName, std::string const& newName) {
     if (!m_ports.renamePortDescription(oldName, newName)) {
         return false;
     }

@@ -135,6 +135,9 @@ DmStatus DmOverloadSet::removeOverload(std::shared_ptr<DmOverload> const& overlo
         return DmStatus::kFailure;
     }
     m_overloads->erase(found);
+    if (overload->get_owner() == this) {
+        overload->setOwner(nullptr);
+    }
     if (m_overloads->empty() || status.isFailure()) {
         return status;
     }
@@ -209,7 +212,32 @@ void DmOverloadSet::mergePort(std::string const& name) {
     }
 }
 
+bool DmOverloadSet::renamePortDescription(std::string const& oldName, std::string const& newName) {
+    if (isConst() || isValueNodeDef()) {
+        return false;
+    }
+    if (isInUpdate()) {
+        return true;
+    }
+    if (!getPortsInterface().hasPort(oldName) ||
+        (newName != oldName && getPortsInterface().hasPort(newName))) {
+        return false;
+    }
+    NodeDefUpdateHelper const guard(*this);
+    // The overloads go first; while the set is in update they do not merge
+    // their change into it, which the set does itself below.
+    for (auto const& overload : *m_overloads) {
+        if (overload->getPortsInterface().hasPort(oldName)) {
+            overload->renamePortDescription(oldName, newName);
+        }
+    }
+    return renamePortAndPropagate(oldName, newName);
+}
+
 void DmOverloadSet::mergeRenamedPort(std::string const& oldName, std::string const& newName) {
+    if (isInUpdate()) {
+        return;
+    }
     bool oldStillUsed = false;
     for (auto const& overload : *m_overloads) {
         oldStillUsed = oldStillUsed || overload->getPortsInterface().hasPort(oldName);
@@ -304,10 +332,12 @@ DmStatus DmOverloadSet::setScope(DmScope* scope, DmNameResolutionType type) {
     if (scope == getScope()) {
         return DmStatus::kSuccess;
     }
-    if (scope != nullptr && type != kAsOverload) {
+    if (scope != nullptr) {
         std::shared_ptr<DmNodeDef> found;
         if (scope->findNodeDef(getName(), found) && found.get() != this) {
-            if (type == kFailOnClash) {
+            // Sets do not merge: under kAsOverload as under kFailOnClash the
+            // move is refused before the set leaves its scope.
+            if (type != kMakeUnique) {
                 return DmStatus::kInvalidArgument;
             }
             std::string name = getName();
@@ -326,14 +356,18 @@ DmStatus DmOverloadSet::setScope(DmScope* scope, DmNameResolutionType type) {
     return status;
 }
 
-bool DmOverloadSet::setName(std::string const& name, DmNameResolutionType, DmNameResolveFlags flags) {
+bool DmOverloadSet::setName(std::string const& name, DmNameResolutionType type, DmNameResolveFlags flags) {
     std::string resolved;
     RenameStart const start = beginRename(name, flags, resolved);
     if (start != RenameStart::kGoOn) {
         return start == RenameStart::kStored;
     }
     if (getScope() != nullptr) {
+        std::string const wanted = resolved;
         getScope()->getUniqueNodeDefName(resolved, getName());
+        if (type == kFailOnClash && resolved != wanted) {
+            return false;
+        }
     }
     NodeDefUpdateHelper const guard(*this);
     rekeyScopeEntry(getName(), resolved);

@@ -84,7 +84,12 @@ bool DmPort::setName(std::string const& name, DmNameResolutionType type, DmNameR
         return true;
     }
     if (m_parent != nullptr) {
-        // An entry or member: unique among its siblings, re-keyed in place.
+        // A struct member is named by its struct type, and its description
+        // is shared by every node: it keeps its name.
+        if (!m_parent->isMultiIn() && !m_parent->isFanIn()) {
+            return false;
+        }
+        // An entry: unique among its siblings, re-keyed in place.
         MemberMap& siblings = m_parent->members();
         if (siblings.contains(resolved) ||
             !m_description->DmNamedEntity::setName(resolved, type, kNameVerbatim)) {
@@ -119,7 +124,40 @@ bool DmPort::setPortDescription(std::shared_ptr<DmPortDescription> const& descri
         return false;
     }
     m_description = description;
+    rebindMembers();
     return true;
+}
+
+void DmPort::rebindMembers() {
+    if (!m_members || isMultiIn() || m_fanIn) {
+        return;
+    }
+    for (auto const& entry : *m_members) {
+        std::shared_ptr<DmPortDescription> member;
+        if (m_description->getMember(entry.first, member)) {
+            entry.second->m_description = member;
+            entry.second->rebindMembers();
+        }
+    }
+}
+
+void DmPort::breakMemberConnections() {
+    DmCompound* const owner = ownerCompound();
+    if (owner == nullptr || !m_members) {
+        return;
+    }
+    for (auto const& entry : *m_members) {
+        owner->breakAllConnections(entry.second);
+    }
+}
+
+void DmPort::forgetNode() noexcept {
+    m_node = nullptr;
+    if (m_members) {
+        for (auto const& entry : *m_members) {
+            entry.second->forgetNode();
+        }
+    }
 }
 
 bool DmPort::isInput() const {
@@ -148,7 +186,14 @@ void DmPort::initialize() {
 
 void DmPort::initializeFrom(std::shared_ptr<DmBaseValue> const& value) {
     m_defaultValue = value;
-    if (!isStructKind(m_description->getType())) {
+    // Entries of a multi-in or fan-in port stay; struct members are rebuilt
+    // from the type, and the old ones take their connections with them.
+    bool const holdsEntries = isMultiIn() || m_fanIn;
+    if (!holdsEntries && m_members) {
+        breakMemberConnections();
+        m_members.reset();
+    }
+    if (holdsEntries || !isStructKind(m_description->getType())) {
         return;
     }
     // One member port per struct member, whose value is the member of the

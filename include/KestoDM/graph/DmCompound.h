@@ -209,6 +209,10 @@ private:
                                  bool connection) const;
     /// Whether `node` is this compound's self node or one of its nodes.
     bool holdsNode(DmNode const* node) const;
+    /// Whether `port` is still held by its node (and its parent, for an entry or member).
+    static bool isPortOfItsNode(DmPort const& port);
+    /// Whether a node on `def` inside this compound would make it contain itself.
+    bool wouldContainItself(DmNodeDef const* def) const;
 
     std::shared_ptr<DmSelfNode> m_selfNode;
     std::shared_ptr<NodeMap> m_nodes;

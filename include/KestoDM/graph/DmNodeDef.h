@@ -164,6 +164,7 @@ protected:
     bool addPortAndPropagate(std::shared_ptr<DmPortDescription> const& port);
     bool removePortAndPropagate(std::shared_ptr<DmPortDescription> const& port);
     bool replacePortAndPropagate(std::shared_ptr<DmPortDescription> const& port);
+    bool renamePortAndPropagate(std::string const& oldName, std::string const& newName);
 
     /// Where every rename of a definition starts. `resolved` gets the name as
     /// `flags` resolve it: kRefused for a const definition or a refused name,

@@ -64,6 +64,9 @@ public:
     /// Unlocking is refused (kFailure) while an input of the set is auto.
     DmStatus setOverloadsLocked(bool locked) override;
     AllowedTypes getAllowedTypesForPort(std::string const& name) const override;
+    /// Renames the port on every overload that has it, then on the set and
+    /// its nodes, keeping the port's place.
+    bool renamePortDescription(std::string const& oldName, std::string const& newName) override;
     std::shared_ptr<DmBaseValue> findUnconnectedPortValue(std::string const& name) const override;
     /// @}
 

@@ -128,6 +128,7 @@ public:
 
 private:
     friend class DmConnection;
+    friend class DmNode;
 
     /// Takes `value` as default and builds the member ports of a struct on
     /// the members of that value.
@@ -135,6 +136,12 @@ private:
     /// Stores `value` and rewrites the members' values from it, recursively.
     void updatePortValue(std::shared_ptr<DmBaseValue> const& value);
     MemberMap& members();
+    /// Clears the node pointer of this port and its members, when the node dies.
+    void forgetNode() noexcept;
+    /// Points the struct members at the members of the port's description.
+    void rebindMembers();
+    /// Breaks the connections of the members, which are about to be dropped.
+    void breakMemberConnections();
     /// The compound of the port's node, or null.
     DmCompound* ownerCompound() const noexcept;
 
