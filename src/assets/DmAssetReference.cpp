@@ -54,4 +54,22 @@ std::string DmAssetReference::getFilename() const {
     return m_filePath.filename().string();
 }
 
+char const* DmAssetReference::resolveStatusText(ResolveStatus status) noexcept {
+    switch (status) {
+    case kUnresolved:
+        return "Asset not resolved.";
+    case kResolved:
+        return "Asset resolved.";
+    case kResolvingFilePaths:
+        return "Asset file paths not searched.";
+    case kFileNotFound:
+        return "Asset file not found.";
+    case kNoStream:
+        return "Asset stream missing.";
+    case kNoResolver:
+        return "No asset resolver for the scheme.";
+    }
+    return "Unknown asset resolution state.";
+}
+
 } // namespace Kesto

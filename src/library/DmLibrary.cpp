@@ -270,6 +270,7 @@ bool DmLibrary::reset() {
     m_resourceFilePaths.clear();
     m_uris->clear();
     m_jsonFiles.clear();
+    m_unknownDefinitionsSupport.reset();
     m_globalNamespace.reset();
     // Messages not yet printed are lost with the old log.
     std::ostream* errorStream = nullptr;

@@ -69,6 +69,8 @@ public:
     ResolveStatus getResolveStatus() const noexcept { return m_resolveStatus; }
     void setResolveStatus(ResolveStatus status) noexcept { m_resolveStatus = status; }
     bool isResolved() const noexcept { return m_resolveStatus == kResolved; }
+    /// A short sentence that says what `status` means, for messages.
+    static char const* resolveStatusText(ResolveStatus status) noexcept;
     /// The resolver that handled the reference (null when none had its key); not owned.
     DmAssetResolver const* getResolver() const noexcept { return m_resolver; }
     void setResolver(DmAssetResolver const* resolver) noexcept { m_resolver = resolver; }

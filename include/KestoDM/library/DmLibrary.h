@@ -1,6 +1,7 @@
 #pragma once
 
 #include <KestoDM/foundation/DmInstanceCounter.h>
+#include <KestoDM/foundation/DmNameResolution.h>
 #include <KestoDM/foundation/DmStatus.h>
 #include <KestoDM/foundation/LinkedHashMap.h>
 #include <KestoDM/graph/DmCollect.h>
@@ -10,6 +11,7 @@
 #include <KestoDM/platform/DmExport.h>
 #include <KestoDM/platform/String.h>
 
+#include <cstdint>
 #include <iosfwd>
 #include <memory>
 #include <string>
@@ -28,6 +30,7 @@ class DmAssetResolverContext;
 class DmAssetResolverRegistry;
 class DmAutoType;
 class DmBaseType;
+class DmBaseValue;
 class DmBoolType;
 class DmCharType;
 class DmClassType;
@@ -38,6 +41,8 @@ class DmGlobalVariable;
 class DmIntType;
 class DmLongType;
 class DmMessageLogger;
+class DmUnknownDefinitionsSupport;
+class SerializationData;
 class DmNodeDef;
 class DmSelector;
 class DmShortType;
@@ -93,6 +98,16 @@ public:
     using URIMap = LinkedHashMap<std::string, std::shared_ptr<DmURI>, StringHasher, StringCompare>;
     /// The search paths of the "halvern" resolver, in order of addition.
     using SearchPaths = BaIndexedVector<String>;
+
+    /// How loadGraph places what a file defines. Two bytes, passed by reference.
+    struct LoadOptions {
+        /// How a name of the file that clashes with a name in the library is
+        /// solved; handed to the reader unchanged.
+        DmNameResolutionType nameResolution = kFailOnClash;
+        /// 1: read the file even when it was loaded already; anything else:
+        /// skip such a file and succeed.
+        std::uint8_t reloadMode = 0;
+    };
 
     /// @name Construction
     /// @{
@@ -183,6 +198,50 @@ public:
     /// Appends what DmNamespace::collect gathers from the global namespace.
     void collect(DmCollectList& list, DmSelector const& selector, DmCollectMask mask,
                  DmCollectFlags flags) const;
+    /// @}
+
+    /// @name Loading graph files
+    /// Each reads one graph file, and through its dependencies the files it
+    /// names, into this library. `result`, when not null, receives the
+    /// compounds read, by name. A file is read once per library unless
+    /// `reloadMode` is 1. The messages of the load are printed and cleared at
+    /// its end; an error among them fails a load that otherwise succeeded
+    /// (kFailure). An unresolved asset gives kFileError when the file or
+    /// stream was not found and kInvalidArgument otherwise, with no message.
+    /// @{
+    /// Resolves `assetSpec` ("file:///a.json", "halvern:a.json", "stream:name",
+    /// or a path) with this library's resolvers.
+    DmStatus loadGraph(std::string const& assetSpec, LoadOptions const& options,
+                       std::shared_ptr<CompoundMap> const& result = nullptr);
+    DmStatus loadGraph(std::shared_ptr<DmAssetReference> const& assetReference, LoadOptions const& options,
+                       std::shared_ptr<CompoundMap> const& result = nullptr);
+    /// kInvalidArgument for an invalid URI.
+    DmStatus loadGraph(std::shared_ptr<DmURI> const& uri, LoadOptions const& options,
+                       std::shared_ptr<CompoundMap> const& result = nullptr);
+    /// The file URI of `path` resolved against `basePath`, from the register
+    /// or made (and registered when valid).
+    DmStatus loadGraph(std::string_view path, std::string_view basePath, LoadOptions const& options,
+                       std::shared_ptr<CompoundMap> const& result = nullptr);
+    /// Reads a value from hand-written text: "1.5", "abc", "[1, 2]", or a
+    /// struct in the compact form "{x=1, y:2}" (keys and bare values need no
+    /// quotes). False, with the reason in `logger`, when the text does not
+    /// read as a value of the value's type.
+    static bool readValue(DmMessageLogger& logger, std::string const& text, std::shared_ptr<DmBaseValue>& value);
+    /// Reads the JSON object `jsonText` into the serialization data `out`, as
+    /// a class value of a graph file is read. Messages are printed and
+    /// cleared; kFailure when an error was reported.
+    DmStatus loadClassValue(std::string const& jsonText, DmNameResolutionType nameResolution,
+                            SerializationData* out);
+    /// The placeholder support of loads: when set, names that a file uses
+    /// before they are defined get placeholders. Null until a configuration
+    /// load makes one, or the host sets one.
+    std::shared_ptr<DmUnknownDefinitionsSupport> const& getUnknownDefinitionsSupport() const noexcept {
+        return m_unknownDefinitionsSupport;
+    }
+    void setUnknownDefinitionsSupport(std::shared_ptr<DmUnknownDefinitionsSupport> support);
+    /// Points every external operator that is not built in, and every class,
+    /// struct, enum, undefined and unknown type, at `uri`.
+    void setURIForExternalOperatorsAndTypes(std::shared_ptr<DmURI> const& uri);
     /// @}
 
     /// @name Resource directories
@@ -304,6 +363,9 @@ private:
     /// Files `uri` under its name at the end of the register; a name filed
     /// already keeps its URI.
     void registerURI(std::shared_ptr<DmURI> const& uri);
+    DmStatus loadGraphWithContext(std::shared_ptr<DmURI> const& uri,
+                                  std::shared_ptr<DmAssetReference> const& assetReference,
+                                  LoadOptions const& options, std::shared_ptr<CompoundMap> const& result);
 
     // Members are released in reverse order of declaration.
     std::shared_ptr<BaContext> m_context;
@@ -313,6 +375,7 @@ private:
     std::shared_ptr<URIMap> m_uris;
     JsonFileMap m_jsonFiles;
     std::shared_ptr<DmAssetResolverRegistry> m_assetResolverRegistry;
+    std::shared_ptr<DmUnknownDefinitionsSupport> m_unknownDefinitionsSupport;
     DmExternOperator::CancellationPolicy m_defaultCancellationPolicy;
 };
 
