@@ -17,7 +17,8 @@ KESTODM_API std::string_view trimIntegerSuffix(std::string_view text) noexcept;
 KESTODM_API std::string_view trimFloatSuffix(std::string_view text) noexcept;
 
 /// A signed integer within [min, max], suffix trimmed.
-KESTODM_API LiteralResult parseSignedLiteral(std::string_view text, long long min, long long max, long long& out);
+KESTODM_API LiteralResult parseSignedLiteral(std::string_view text, long long min, long long max,
+                                             long long& out);
 /// An unsigned integer up to `max`, suffix trimmed; a minus sign is badly formed.
 KESTODM_API LiteralResult parseUnsignedLiteral(std::string_view text, unsigned long long max,
                                                unsigned long long& out);

@@ -45,7 +45,9 @@ public:
     bool String(char const* str, rapidjson::SizeType length, bool copy) {
         return m_document.String(str, length, copy);
     }
-    bool Key(char const* str, rapidjson::SizeType length, bool copy) { return m_document.Key(str, length, copy); }
+    bool Key(char const* str, rapidjson::SizeType length, bool copy) {
+        return m_document.Key(str, length, copy);
+    }
     bool StartObject() { return enter() && m_document.StartObject(); }
     bool EndObject(rapidjson::SizeType count) {
         --m_depth;
@@ -136,7 +138,8 @@ bool JsonDocument::usesSseParser() const {
     case Parser::kAutomatic:
         break;
     }
-    return !BaEnvVar::getBool("KESTO_FORCE_NON_SSE_JSON_PARSER") && !BaEnvVar::getBool("TOVARIN_USING_VALGRIND");
+    return !BaEnvVar::getBool("KESTO_FORCE_NON_SSE_JSON_PARSER") &&
+           !BaEnvVar::getBool("TOVARIN_USING_VALGRIND");
 }
 
 std::string JsonDocument::assetName(DmAssetReference const& asset) {
@@ -149,11 +152,12 @@ std::string JsonDocument::assetName(DmAssetReference const& asset) {
     return asset.getAssetSpec();
 }
 
-void JsonDocument::report(int category, std::string title, std::string description) const {
+void JsonDocument::report(int category, std::string const& location, std::string title,
+                          std::string description) const {
     if (m_logger) {
-        m_logger->reportMessage(std::make_shared<DmMessageReport>(
-            static_cast<BaMessageTypes::MessageCategory>(category), "<json>", std::move(title),
-            std::move(description)));
+        m_logger->reportMessage(
+            std::make_shared<DmMessageReport>(static_cast<BaMessageTypes::MessageCategory>(category),
+                                              location, std::move(title), std::move(description)));
     }
 }
 
@@ -169,23 +173,25 @@ JsonDocument::Buffer JsonDocument::allocateBuffer(std::size_t size) {
 DmStatus JsonDocument::load(std::shared_ptr<DmAssetReference> const& asset) {
     clear();
     if (!asset) {
-        report(BaMessageTypes::kMessageError, "Failed to locate asset.", "Failed to locate <null>.");
+        report(BaMessageTypes::kMessageError, "<null>", "Failed to locate asset.",
+               "Failed to locate <null>.");
         return DmStatus::kFileError;
     }
     std::string const name = assetName(*asset);
     if (!asset->isResolved()) {
         DmAssetReference::ResolveStatus const state = asset->getResolveStatus();
         if (state == DmAssetReference::kFileNotFound || state == DmAssetReference::kNoStream) {
-            report(BaMessageTypes::kMessageError, "Failed to locate asset.", "Failed to locate " + name + ".");
+            report(BaMessageTypes::kMessageError, name, "Failed to locate asset.",
+                   "Failed to locate " + name + ".");
             return DmStatus::kFileError;
         }
-        report(BaMessageTypes::kMessageError, DmAssetReference::resolveStatusText(state),
+        report(BaMessageTypes::kMessageError, name, DmAssetReference::resolveStatusText(state),
                "Failed to resolve " + name + ".");
         return DmStatus::kFailure;
     }
     DmStatus status = DmStatus::kSuccess;
     if (!readAsset(*asset, status)) {
-        report(BaMessageTypes::kMessageError, "Failed to load asset.", "Failed to load " + name + ".");
+        report(BaMessageTypes::kMessageError, name, "Failed to load asset.", "Failed to load " + name + ".");
         return status;
     }
     return parseBuffer(name, std::string_view());
@@ -283,7 +289,7 @@ DmStatus JsonDocument::parse(std::string_view text, std::string const& name) {
     clear();
     m_buffer = allocateBuffer(text.size());
     if (!m_buffer) {
-        report(BaMessageTypes::kMessageError, "Failed to load asset.", "Failed to load " + name + ".");
+        report(BaMessageTypes::kMessageError, name, "Failed to load asset.", "Failed to load " + name + ".");
         return DmStatus::kFailure;
     }
     if (!text.empty()) {
@@ -321,13 +327,12 @@ DmStatus JsonDocument::parseBuffer(std::string const& name, std::string_view ori
             }
         }
         auto const [line, column] = position(original, result.Offset());
-        std::string const message =
-            tooDeep ? "The document nests arrays and objects deeper than " + std::to_string(kMaxNestingDepth) +
-                          " levels."
-                    : std::string(rapidjson::GetParseError_En(result.Code()));
-        report(BaMessageTypes::kMessageError, "Asset has parsing errors.",
-               "Failed to parse " + name + " at position " + std::to_string(line) + ":" + std::to_string(column) +
-                   ": " + message);
+        std::string const message = tooDeep ? "The document nests arrays and objects deeper than " +
+                                                  std::to_string(kMaxNestingDepth) + " levels."
+                                            : std::string(rapidjson::GetParseError_En(result.Code()));
+        report(BaMessageTypes::kMessageError, name, "Asset has parsing errors.",
+               "Failed to parse " + name + " at position " + std::to_string(line) + ":" +
+                   std::to_string(column) + ": " + message);
         m_document.SetNull();
         return DmStatus::kReserved5;
     }

@@ -72,7 +72,7 @@ private:
     static std::string readWholeFile(std::string const& path);
     bool readFile(std::string const& path, DmStatus& status);
     DmStatus parseBuffer(std::string const& name, std::string_view original);
-    void report(int category, std::string title, std::string description) const;
+    void report(int category, std::string const& location, std::string title, std::string description) const;
 
     std::shared_ptr<DmMessageLogger> m_logger;
     Parser m_parser;

@@ -226,7 +226,8 @@ public:
     /// struct in the compact form "{x=1, y:2}" (keys and bare values need no
     /// quotes). False, with the reason in `logger`, when the text does not
     /// read as a value of the value's type.
-    static bool readValue(DmMessageLogger& logger, std::string const& text, std::shared_ptr<DmBaseValue>& value);
+    static bool readValue(DmMessageLogger& logger, std::string const& text,
+                          std::shared_ptr<DmBaseValue>& value);
     /// Reads the JSON object `jsonText` into the serialization data `out`, as
     /// a class value of a graph file is read. Messages are printed and
     /// cleared; kFailure when an error was reported.

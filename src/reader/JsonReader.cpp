@@ -1,0 +1,295 @@
+#include "reader/JsonReader.h"
+
+#include <KestoDM/assets/DmURI.h>
+#include <KestoDM/foundation/DmMessageLogger.h>
+#include <KestoDM/foundation/DmMessageReport.h>
+#include <KestoDM/graph/DmCompound.h>
+#include <KestoDM/graph/DmExternOperator.h>
+#include <KestoDM/graph/DmNodeDef.h>
+#include <KestoDM/graph/DmTerminalNodeDef.h>
+#include <KestoDM/types/DmBaseType.h>
+#include <KestoDM/types/DmBuiltInValue.h>
+#include <KestoDM/types/DmMetadata.h>
+#include <KestoDM/types/DmMetadataItem.h>
+
+#include "reader/DmLiteralText.h"
+
+#include <climits>
+#include <utility>
+
+namespace Kesto::Internal {
+
+namespace {
+
+using Value = rapidjson::Value;
+using KeyTable = LinkedHashMap<std::string_view, std::vector<Value const*>, StringHasher, StringCompare>;
+
+std::string_view view(Value const& value) noexcept {
+    return std::string_view(value.GetString(), value.GetStringLength());
+}
+
+bool endsWithEither(std::string_view text, char lower, char upper) noexcept {
+    return !text.empty() && (text.back() == lower || text.back() == upper);
+}
+
+/// A metadata value from its text, or null with the reason reported by `fail`.
+template <class Fail>
+std::shared_ptr<DmMetadataItem> makeItem(std::string name, std::string_view type, std::string_view text,
+                                         Fail const& fail) {
+    auto literalFailure = [&](LiteralResult result) {
+        if (result == LiteralResult::kOutOfRange) {
+            fail(BaMessageTypes::kMessageWarning, "Out-of-range value.",
+                 "The value '" + std::string(text) + "' is out-of-range.");
+        } else {
+            fail(BaMessageTypes::kMessageError, "Badly formed value.",
+                 "The value '" + std::string(text) + "' is not a valid value.");
+        }
+        return nullptr;
+    };
+    if (type.empty()) {
+        // No type: the text's own form decides.
+        if (endsWithEither(text, 'f', 'F')) {
+            float number = 0;
+            LiteralResult const result = parseFloatLiteral(text, number);
+            if (result != LiteralResult::kOk) {
+                return literalFailure(result);
+            }
+            auto value = std::make_shared<DmFloatValue>();
+            value->setData(number);
+            return std::make_shared<DmMetadataItem>(std::move(name), std::move(value));
+        }
+        if (endsWithEither(text, 'l', 'L')) {
+            long long number = 0;
+            LiteralResult const result = parseSignedLiteral(text, INT_MIN, INT_MAX, number);
+            if (result != LiteralResult::kOk) {
+                return literalFailure(result);
+            }
+            auto value = std::make_shared<DmIntValue>();
+            value->setData(static_cast<int>(number));
+            return std::make_shared<DmMetadataItem>(std::move(name), std::move(value));
+        }
+        if (text == JsonFormat::kTrue || text == JsonFormat::kFalse) {
+            return std::make_shared<DmMetadataItem>(std::move(name), text == JsonFormat::kTrue);
+        }
+        fail(BaMessageTypes::kMessageError, "Unknown value.",
+             "The type of the value '" + std::string(text) + "' is unknown.");
+        return nullptr;
+    }
+    if (type == JsonFormat::MetaType::kString) {
+        return std::make_shared<DmMetadataItem>(std::move(name), std::string(text));
+    }
+    if (type == JsonFormat::MetaType::kLong) {
+        long long number = 0;
+        LiteralResult const result = parseSignedLiteral(text, LLONG_MIN, LLONG_MAX, number);
+        if (result != LiteralResult::kOk) {
+            return literalFailure(result);
+        }
+        return std::make_shared<DmMetadataItem>(std::move(name), static_cast<std::int64_t>(number));
+    }
+    if (type == JsonFormat::MetaType::kDouble) {
+        double number = 0;
+        LiteralResult const result = parseDoubleLiteral(text, number);
+        if (result != LiteralResult::kOk) {
+            return literalFailure(result);
+        }
+        return std::make_shared<DmMetadataItem>(std::move(name), number);
+    }
+    if (type == JsonFormat::MetaType::kBool) {
+        return std::make_shared<DmMetadataItem>(std::move(name), JsonFormat::isTrueText(text));
+    }
+    fail(BaMessageTypes::kMessageError, "Unsupported metadata type.",
+         "The metadata type '" + std::string(type) + "' for literal '" + std::string(text) +
+             "' is unsupported.");
+    return nullptr;
+}
+
+} // namespace
+
+JsonReader::JsonReader(JsonReadContext context) : m_context(std::move(context)) {}
+
+JsonReader::~JsonReader() = default;
+
+Value const* JsonReader::member(Value const& object, std::string_view key) noexcept {
+    if (!object.IsObject()) {
+        return nullptr;
+    }
+    auto const found = object.FindMember(
+        Value(rapidjson::StringRef(key.data(), static_cast<rapidjson::SizeType>(key.size()))));
+    return found != object.MemberEnd() ? &found->value : nullptr;
+}
+
+std::string_view JsonReader::stringOf(Value const& object, std::string_view key) noexcept {
+    Value const* const found = member(object, key);
+    return found != nullptr && found->IsString() ? view(*found) : std::string_view();
+}
+
+bool JsonReader::booleanOf(Value const& object, std::string_view key, bool* present) noexcept {
+    std::string_view const text = stringOf(object, key);
+    if (present != nullptr) {
+        *present = !text.empty();
+    }
+    return JsonFormat::isTrueText(text);
+}
+
+void JsonReader::report(int category, std::string title, std::string description) const {
+    if (m_context.logger) {
+        m_context.logger->reportMessage(std::make_shared<DmMessageReport>(
+            static_cast<BaMessageTypes::MessageCategory>(category),
+            m_context.uri ? m_context.uri->getName() : "<json>", std::move(title), std::move(description)));
+    }
+}
+
+void JsonReader::reportBadlyFormed() const {
+    report(BaMessageTypes::kMessageError, "Badly formed json file.", "The json file is badly formed.");
+}
+
+DmStatus JsonReader::read(Value const& root) {
+    for (m_pass = 1; m_pass <= 4; ++m_pass) {
+        if (m_pass > 1) {
+            m_compounds.rewind();
+            m_operators.rewind();
+            m_terminalNodeDefs.rewind();
+            m_types.rewind();
+        }
+        walk(root);
+    }
+    m_pass = 0;
+    return m_status;
+}
+
+void JsonReader::walk(Value const& value) {
+    if (value.IsArray()) {
+        for (Value const& element : value.GetArray()) {
+            walk(element);
+        }
+    } else if (!value.IsObject()) {
+        reportBadlyFormed();
+    } else if (m_sections.empty()) {
+        walkRoot(value);
+    } else {
+        handle(m_sections.back(), value);
+    }
+}
+
+void JsonReader::walkRoot(Value const& object) {
+    // Gather the keys, each with all its values in document order, then take
+    // the known sections in the format's order; unknown keys come last, as roots.
+    KeyTable keys;
+    for (auto const& entry : object.GetObject()) {
+        keys[view(entry.name)].push_back(&entry.value);
+    }
+    for (Section const section : JsonFormat::kRootSections) {
+        auto const found = keys.find(JsonFormat::sectionKey(section));
+        if (found == keys.end()) {
+            continue;
+        }
+        m_sections.push_back(section);
+        for (Value const* value : found->second) {
+            walk(*value);
+        }
+        m_sections.pop_back();
+        keys.erase(found);
+    }
+    for (auto const& entry : keys) {
+        for (Value const* value : entry.second) {
+            walk(*value);
+        }
+    }
+}
+
+void JsonReader::walkList(Value const& object, std::string_view key, Section section) {
+    Value const* const list = member(object, key);
+    if (list == nullptr) {
+        return;
+    }
+    m_sections.push_back(section);
+    walk(*list);
+    m_sections.pop_back();
+}
+
+void JsonReader::handle(Section section, Value const& object) {
+    switch (section) {
+    case JsonFormat::kHeader:
+        if (m_pass == 1) {
+            readHeader(object);
+        } else if (m_pass == 2) {
+            checkVersion(object);
+        }
+        break;
+    case JsonFormat::kMetadata:
+        readMetadataItem(object);
+        break;
+    default:
+        break;
+    }
+}
+
+void JsonReader::readHeader(Value const& object) {
+    if (!m_context.uri) {
+        return;
+    }
+    m_entities.push_back(m_context.uri);
+    walkList(object, JsonFormat::Key::kMetadata, JsonFormat::kMetadata);
+    m_entities.pop_back();
+}
+
+void JsonReader::checkVersion(Value const& object) {
+    std::string const uriName = m_context.uri ? m_context.uri->getName() : std::string();
+    if (member(object, JsonFormat::Key::kMetadata) == nullptr) {
+        report(BaMessageTypes::kMessageWarning, "File format version is not specified.",
+               "File format version is not specified in the header section of the json file '" + uriName +
+                   "'.");
+        return;
+    }
+    if (!m_context.uri || !m_context.uri->getMetadata()) {
+        return;
+    }
+    // A file read again adds its header items again: the last one is this read's.
+    auto const items = m_context.uri->getMetadata()->find(JsonFormat::kFormatVersionItem);
+    if (items.empty()) {
+        return;
+    }
+    std::int64_t version = 0;
+    if (items.back()->getLongValue(version) == DmStatus::kSuccess && version > JsonFormat::kFormatVersion) {
+        report(BaMessageTypes::kMessageError, "File format version is more recent than library.",
+               "File format version '" + std::to_string(version) + "' is more recent than library '" +
+                   std::to_string(JsonFormat::kFormatVersion) + "' : " + uriName);
+    }
+}
+
+void JsonReader::readMetadataItem(Value const& object) {
+    if (m_entities.empty() || !m_entities.back()->getMetadata()) {
+        return;
+    }
+    std::string_view const name = stringOf(object, JsonFormat::Key::kMetaName);
+    if (name.empty()) {
+        report(BaMessageTypes::kMessageWarning, "Missing metadata name.", "Metadata requires a name.");
+        return;
+    }
+    std::string_view const type = stringOf(object, JsonFormat::Key::kMetaType);
+    std::string_view const text = stringOf(object, JsonFormat::Key::kMetaValue);
+    std::shared_ptr<DmMetadataItem> item;
+    if (text.empty()) {
+        item = std::make_shared<DmMetadataItem>(std::string(name));
+    } else {
+        item = makeItem(std::string(name), type, text,
+                        [this](int category, std::string title, std::string description) {
+                            report(category, std::move(title), std::move(description));
+                        });
+        if (!item) {
+            return;
+        }
+    }
+    DmMetadata& metadata = *m_entities.back()->getMetadata();
+    // An entity has one icon: a later one replaces it.
+    if (name == "icon") {
+        static_cast<void>(metadata.set(name, item));
+    } else {
+        static_cast<void>(metadata.add(item));
+    }
+    m_entities.push_back(item);
+    walkList(object, JsonFormat::Key::kMetadata, JsonFormat::kMetadata);
+    m_entities.pop_back();
+}
+
+} // namespace Kesto::Internal

@@ -1,0 +1,140 @@
+#pragma once
+
+#include <KestoDM/foundation/DmNameResolution.h>
+#include <KestoDM/foundation/DmStatus.h>
+#include <KestoDM/foundation/LinkedHashMap.h>
+#include <KestoDM/platform/DmExport.h>
+
+#include "reader/DmJsonFormat.h"
+#include "reader/DmRapidJson.h"
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Kesto {
+
+class DmAssetReference;
+class DmBaseType;
+class DmCompound;
+class DmEntity;
+class DmLibrary;
+class DmMessageLogger;
+class DmNodeDef;
+class DmTerminalNodeDef;
+class DmUnknownDefinitionsSupport;
+class DmURI;
+class DmExternOperator;
+
+namespace Internal {
+
+/// What one read of a file works with; shared by the file entry and the reader.
+struct JsonReadContext {
+    using CompoundMap = LinkedHashMap<std::string, std::shared_ptr<DmCompound>, StringHasher, StringCompare>;
+
+    DmLibrary* library = nullptr;
+    std::shared_ptr<DmMessageLogger> logger;
+    DmNameResolutionType nameResolution = kFailOnClash;
+    bool reload = false;
+    std::shared_ptr<DmURI> uri;
+    std::shared_ptr<DmAssetReference> asset;
+    /// Receives the compounds read; may be null.
+    std::shared_ptr<CompoundMap> result;
+    /// Null when names must be defined before they are used.
+    std::shared_ptr<DmUnknownDefinitionsSupport> unknownDefinitions;
+};
+
+/// A list that the early passes fill and the later ones drain in order; each
+/// pass starts again from the first element.
+template <class T>
+class PassQueue {
+public:
+    void push(T item) { m_items.push_back(std::move(item)); }
+    /// The next element of this pass; null (or empty) past the end.
+    T next() { return m_cursor < m_items.size() ? m_items[m_cursor++] : T(); }
+    void rewind() noexcept { m_cursor = 0; }
+    std::size_t size() const noexcept { return m_items.size(); }
+    bool empty() const noexcept { return m_items.empty(); }
+
+private:
+    std::vector<T> m_items;
+    std::size_t m_cursor = 0;
+};
+
+/// Reads one parsed graph file into the library in four passes over its root,
+/// each walking the sections in the format's fixed order, so that what a
+/// later pass needs was made by an earlier one whatever the file's order:
+///   1. dependencies, namespaces, types and globals by name, header metadata;
+///   2. version check, struct members, operators, terminal definitions,
+///      compounds and their ports;
+///   3. defaults, port attributes, global values, terminal states;
+///   4. nodes, connections, values, watch points, loop links.
+/// A bad object is reported and skipped; the read goes on.
+class KESTODM_API JsonReader {
+public:
+    using Value = rapidjson::Value;
+    using Section = JsonFormat::Section;
+
+    explicit JsonReader(JsonReadContext context);
+    JsonReader(JsonReader const&) = delete;
+    JsonReader& operator=(JsonReader const&) = delete;
+    ~JsonReader();
+
+    /// Runs the four passes over `root`; kSuccess unless a pass failed as a whole.
+    DmStatus read(Value const& root);
+
+    /// @name Reading keys of an entity object
+    /// Scalars of the format are strings; anything else counts as absent.
+    /// @{
+    /// The member `key` of `object`, null when absent or `object` is no object.
+    static Value const* member(Value const& object, std::string_view key) noexcept;
+    /// The string of `key`; empty when absent, empty or not a string.
+    static std::string_view stringOf(Value const& object, std::string_view key) noexcept;
+    /// A boolean key: present when a non-empty string, true for "true", "TRUE", "True".
+    static bool booleanOf(Value const& object, std::string_view key, bool* present = nullptr) noexcept;
+    /// @}
+
+    JsonReadContext const& getContext() const noexcept { return m_context; }
+    DmStatus getStatus() const noexcept { return m_status; }
+    /// The pass now running, 1 to 4; 0 outside read.
+    int getPass() const noexcept { return m_pass; }
+
+private:
+    /// The walker: objects under an empty section stack are roots, objects
+    /// under a section go to that section's handler, arrays are walked
+    /// element by element, anything else is badly formed.
+    void walk(Value const& value);
+    void walkRoot(Value const& object);
+    /// Walks the list under `key` of `object` as section `section`, if there.
+    void walkList(Value const& object, std::string_view key, Section section);
+    void handle(Section section, Value const& object);
+
+    /// @name Handlers
+    /// @{
+    void readHeader(Value const& object);
+    void checkVersion(Value const& object);
+    void readMetadataItem(Value const& object);
+    /// @}
+
+    /// @name Messages
+    /// @{
+    void report(int category, std::string title, std::string description) const;
+    void reportBadlyFormed() const;
+    /// @}
+
+    JsonReadContext m_context;
+    int m_pass = 0;
+    DmStatus m_status = DmStatus::kSuccess;
+    std::vector<Section> m_sections;
+    std::vector<std::shared_ptr<DmEntity>> m_entities;
+    std::vector<std::shared_ptr<DmNodeDef>> m_definitions;
+    PassQueue<std::shared_ptr<DmCompound>> m_compounds;
+    PassQueue<std::shared_ptr<DmExternOperator>> m_operators;
+    PassQueue<std::shared_ptr<DmTerminalNodeDef>> m_terminalNodeDefs;
+    PassQueue<std::shared_ptr<DmBaseType>> m_types;
+};
+
+} // namespace Internal
+} // namespace Kesto
