@@ -80,7 +80,7 @@ public:
     explicit JsonReader(JsonReadContext context);
     JsonReader(JsonReader const&) = delete;
     JsonReader& operator=(JsonReader const&) = delete;
-    ~JsonReader();
+    virtual ~JsonReader();
 
     /// Runs the four passes over `root`; kSuccess unless a pass failed as a whole.
     DmStatus read(Value const& root);
@@ -101,15 +101,18 @@ public:
     /// The pass now running, 1 to 4; 0 outside read.
     int getPass() const noexcept { return m_pass; }
 
-private:
+protected:
     /// The walker: objects under an empty section stack are roots, objects
     /// under a section go to that section's handler, arrays are walked
     /// element by element, anything else is badly formed.
     void walk(Value const& value);
-    void walkRoot(Value const& object);
     /// Walks the list under `key` of `object` as section `section`, if there.
     void walkList(Value const& object, std::string_view key, Section section);
-    void handle(Section section, Value const& object);
+    /// The handler of `section` in the current pass, for one object of it.
+    virtual void handle(Section section, Value const& object);
+
+private:
+    void walkRoot(Value const& object);
 
     /// @name Handlers
     /// @{
