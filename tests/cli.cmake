@@ -33,3 +33,39 @@ if(TARGET kestodm)
     FAIL_REGULAR_EXPRESSION "KestoPrivateDM"
     TIMEOUT 60)
 endif()
+
+if(TARGET kestodm)
+  set(cli_data ${CMAKE_CURRENT_SOURCE_DIR}/data/cli)
+
+  add_test(NAME kestodm.CheckAcceptsAGoodFile COMMAND $<TARGET_FILE:kestodm> check ${cli_data}/good.json)
+  set_tests_properties(kestodm.CheckAcceptsAGoodFile PROPERTIES
+    PASS_REGULAR_EXPRESSION "good.json: ok"
+    TIMEOUT 60)
+
+  add_test(NAME kestodm.CheckReportsWhereAFileFailsToParse
+    COMMAND ${CMAKE_COMMAND}
+      -DCOMMAND=$<TARGET_FILE:kestodm>
+      "-DARGS=check;${cli_data}/good.json;${cli_data}/syntax_error.json"
+      -DEXPECTED_EXIT_CODE=1
+      "-DEXPECTED_STDERR=Failed to parse [^ ]*syntax_error.json at position 3:20: Missing a colon after a name of object member."
+      -P ${CMAKE_CURRENT_SOURCE_DIR}/cli_expect_exit.cmake)
+  set_tests_properties(kestodm.CheckReportsWhereAFileFailsToParse PROPERTIES TIMEOUT 60)
+
+  add_test(NAME kestodm.CheckFailsForAMissingFile
+    COMMAND ${CMAKE_COMMAND}
+      -DCOMMAND=$<TARGET_FILE:kestodm>
+      "-DARGS=check;${cli_data}/no_such_file.json"
+      -DEXPECTED_EXIT_CODE=1
+      "-DEXPECTED_STDERR=Non existing Json file."
+      -P ${CMAKE_CURRENT_SOURCE_DIR}/cli_expect_exit.cmake)
+  set_tests_properties(kestodm.CheckFailsForAMissingFile PROPERTIES TIMEOUT 60)
+
+  add_test(NAME kestodm.CheckNeedsAFile
+    COMMAND ${CMAKE_COMMAND}
+      -DCOMMAND=$<TARGET_FILE:kestodm>
+      -DARGS=check
+      -DEXPECTED_EXIT_CODE=2
+      "-DEXPECTED_STDERR=needs at least one file"
+      -P ${CMAKE_CURRENT_SOURCE_DIR}/cli_expect_exit.cmake)
+  set_tests_properties(kestodm.CheckNeedsAFile PROPERTIES TIMEOUT 60)
+endif()
