@@ -191,6 +191,7 @@ bool readArray(DmMessageLogger& logger, rapidjson::Value const& node, DmBaseValu
         return false;
     }
     for (rapidjson::SizeType i = 0; i < node.Size(); ++i) {
+        // A fresh array's slots already hold live elements: assign, never construct over them.
         std::shared_ptr<DmBaseValue> element = elementType->createDefaultValue();
         if (element && readValue(logger, node[i], element) &&
             element->moveAssignIntoBuffer(array->get_element(i))) {

@@ -889,3 +889,24 @@ TEST_F(DmValueReaderTest, AValueTextBeyondTheNestingLimitDoesNotParse) {
     EXPECT_EQ(document.parse(std::string(100000, '['), "test"), DmStatus::kReserved5);
     EXPECT_FALSE(document.isParsed());
 }
+
+TEST_F(DmValueReaderTest, ArrayOfUndefinedElementsReadsWithEveryElementRefused) {
+    auto const type = makeArrayType(DmLibrary::getUndefinedType());
+    auto const value = type->createValue();
+    EXPECT_TRUE(readJson("[\"1\"]", value));
+    EXPECT_EQ(as<DmArrayValue>(value)->size(), 1u);
+    EXPECT_EQ(messages(), (Messages{valueError("Undefined type found when reading value.",
+                                               "Unable to read a value of undefined type '__undefined__'."),
+                                    valueWarning("Invalid array element.",
+                                                 "Unable to load element 0 of a value of type "
+                                                 "'array<__undefined__>'. It keeps the default value.")}));
+}
+
+TEST_F(DmValueReaderTest, ArrayWithoutAnElementTypeIsRefused) {
+    auto const type = makeArrayType(nullptr);
+    auto const value = type->createValue();
+    EXPECT_FALSE(readJson("[\"1\"]", value));
+    EXPECT_TRUE(value->isImplicit());
+    EXPECT_EQ(messages(),
+              Messages{valueError("Invalid array value.", "Unable to make an array of type 'array'.")});
+}
