@@ -222,9 +222,10 @@ public:
     /// or made (and registered when valid).
     DmStatus loadGraph(std::string_view path, std::string_view basePath, LoadOptions const& options,
                        std::shared_ptr<CompoundMap> const& result = nullptr);
-    /// Reads a value from hand-written text: "1.5", "abc", "[1, 2]", or a
-    /// struct in the compact form "{x=1, y:2}" (keys and bare values need no
-    /// quotes). False, with the reason in `logger`, when the text does not
+    /// Reads a value from hand-written text: "1.5", "abc", "\"quoted text\"",
+    /// or a struct in the compact form "{x=1, y:2}" (keys and bare values
+    /// need no quotes). Any other text is read as one string, so arrays have
+    /// no hand-written form. False, with the reason in `logger`, when the text does not
     /// read as a value of the value's type.
     static bool readValue(DmMessageLogger& logger, std::string const& text,
                           std::shared_ptr<DmBaseValue>& value);
