@@ -1,5 +1,7 @@
 #pragma once
 
+#include <KestoDM/platform/DmExport.h>
+
 #include <memory>
 
 namespace Kesto {
@@ -14,7 +16,7 @@ namespace Internal {
 /// load into a support object finishes that object's work, when it ends.
 /// The set of support objects being loaded into is the process's; it is
 /// locked, so loads into different libraries on different threads stay apart.
-class UnknownDefinitionsGuard {
+class KESTODM_API UnknownDefinitionsGuard {
 public:
     UnknownDefinitionsGuard(std::shared_ptr<DmUnknownDefinitionsSupport> support,
                             std::shared_ptr<DmMessageLogger> logger);
