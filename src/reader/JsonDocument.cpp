@@ -79,6 +79,7 @@ private:
 template <class Stream>
 struct Generator {
     char* text;
+    std::size_t size;
     rapidjson::ParseResult result;
     bool tooDeep = false;
 
@@ -88,6 +89,11 @@ struct Generator {
         rapidjson::Reader reader;
         result = reader.Parse<rapidjson::kParseInsituFlag>(stream, handler);
         tooDeep = handler.tooDeep();
+        // The parser takes a zero byte for the end of the text: anything
+        // behind one is text after the root all the same.
+        if (!result.IsError() && stream.Tell() < size) {
+            result.Set(rapidjson::kParseErrorDocumentRootNotSingular, stream.Tell());
+        }
         return !result.IsError();
     }
 };
@@ -304,12 +310,12 @@ DmStatus JsonDocument::parseBuffer(std::string const& name, std::string_view ori
     rapidjson::ParseResult result;
     bool tooDeep = false;
     if (usesSseParser()) {
-        Generator<SseStream> generator{m_buffer.get(), {}};
+        Generator<SseStream> generator{m_buffer.get(), m_size, {}};
         m_document.Populate(generator);
         result = generator.result;
         tooDeep = generator.tooDeep;
     } else {
-        Generator<PlainStream> generator{m_buffer.get(), {}};
+        Generator<PlainStream> generator{m_buffer.get(), m_size, {}};
         m_document.Populate(generator);
         result = generator.result;
         tooDeep = generator.tooDeep;

@@ -36,7 +36,7 @@ T dataOf(std::shared_ptr<DmBaseValue> const& value) {
 }
 
 Message parseError(std::string const& position, std::string const& what) {
-    return Message{BaMessageTypes::kMessageError, "<json>", "Asset has parsing errors.",
+    return Message{BaMessageTypes::kMessageError, "<value>", "Asset has parsing errors.",
                    "Failed to parse <value> at position " + position + ": " + what};
 }
 

@@ -188,6 +188,21 @@ TEST_F(JsonDocumentTest, EscapedLineBreaksDoNotCountAsLines) {
     EXPECT_EQ(messages(), parseError("text", "1:22", "Missing a colon after a name of object member."));
 }
 
+TEST_F(JsonDocumentTest, TextBehindAZeroByteIsRefused) {
+    JsonDocument document(m_logger);
+    EXPECT_EQ(document.parse(std::string("{\"a\": \"1\"}\n\0{\"b\": 2}", 20), "text"), DmStatus::kReserved5);
+    EXPECT_EQ(messages(),
+              parseError("text", "2:1", "The document root must not be followed by other values."));
+    EXPECT_FALSE(document.isParsed());
+}
+
+TEST_F(JsonDocumentTest, FileWithAZeroByteAfterItsRootIsRefused) {
+    std::string const path = m_dir.write("a.json", std::string("{}\0junk", 7));
+    JsonDocument document(m_logger);
+    EXPECT_EQ(document.load(resolved("halvern:" + path)), DmStatus::kReserved5);
+    EXPECT_EQ(messages(), parseError(path, "1:3", "The document root must not be followed by other values."));
+}
+
 TEST_F(JsonDocumentTest, EscapedLineBreaksInAFileDoNotCountAsLines) {
     std::string const path = m_dir.write("a.json", "{\"a\": \"x\\ny\\nz\",\n \"b\" 1}");
     JsonDocument document(m_logger);
