@@ -8,6 +8,8 @@
 #include <KestoDM/types/DmMetadataItem.h>
 #include <KestoDM/types/DmUnknownType.h>
 
+#include "types/DmExternTypeFactory.h"
+
 #include <utility>
 
 namespace Kesto {
@@ -23,7 +25,7 @@ std::shared_ptr<DmBaseType const> unknownElementType(DmBaseType const& unknown) 
         name.size() > prefix.size() + 1 && name.compare(0, prefix.size(), prefix) == 0 && name.back() == '>';
     std::string const element =
         arrayForm ? name.substr(prefix.size(), name.size() - prefix.size() - 1) : name;
-    return std::make_shared<DmUnknownType>(DmExternBaseType::InternalConstructor(), element);
+    return Internal::ExternTypeFactory::make<DmUnknownType>(element);
 }
 
 } // namespace

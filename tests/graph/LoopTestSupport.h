@@ -1,6 +1,7 @@
 #pragma once
 
 #include "graph/ModelTestSupport.h"
+#include "types/DmExternTypeFactory.h"
 
 #include <KestoDM/graph/DmCompound.h>
 #include <KestoDM/graph/DmForEachCompound.h>
@@ -67,7 +68,7 @@ inline std::shared_ptr<Kesto::DmForEachCompound> makeForEach(std::string const& 
 }
 
 inline std::shared_ptr<Kesto::DmUnknownType> makeUnknownType(std::string const& name) {
-    return std::make_shared<Kesto::DmUnknownType>(Kesto::DmExternBaseType::InternalConstructor(), name);
+    return Kesto::Internal::ExternTypeFactory::make<Kesto::DmUnknownType>(name);
 }
 
 /// A description with the loop role `attribute`.
