@@ -1,6 +1,5 @@
 #include <KestoDM/graph/DmLoopingCompound.h>
 
-#include <KestoDM/foundation/DmMessageLogger.h>
 #include <KestoDM/graph/DmPort.h>
 #include <KestoDM/types/DmArrayType.h>
 #include <KestoDM/types/DmBaseType.h>
@@ -33,9 +32,8 @@ std::shared_ptr<DmBaseType const> unknownElementType(DmBaseType const& unknown) 
 // ---------------------------------------------------------------------------
 // Construction
 
-DmLoopingCompound::DmLoopingCompound(InternalConstructor tag, std::string name,
-                                     std::shared_ptr<DmMessageLogger> logger, std::string const& iconFile)
-    : DmCompound(tag, std::move(name), std::move(logger)) {
+DmLoopingCompound::DmLoopingCompound(InternalConstructor tag, std::string name, std::string const& iconFile)
+    : DmCompound(tag, std::move(name)) {
     getMetadata()->add(std::make_shared<DmMetadataItem>(kIconKey, "../icons/" + iconFile));
 }
 

@@ -50,20 +50,17 @@ protected:
 };
 
 inline std::shared_ptr<Kesto::DmWhileCompound> makeWhile(std::string const& name = "loop") {
-    auto loop = Kesto::DmWhileCompound::createWhileCompound(name, makeLogger());
-    loop->initialize();
+    auto loop = Kesto::DmWhileCompound::createWhileCompound(name);
     return loop;
 }
 
 inline std::shared_ptr<Kesto::DmIterateCompound> makeIterate(std::string const& name = "loop") {
-    auto loop = Kesto::DmIterateCompound::createIterateCompound(name, makeLogger());
-    loop->initialize();
+    auto loop = Kesto::DmIterateCompound::createIterateCompound(name);
     return loop;
 }
 
 inline std::shared_ptr<Kesto::DmForEachCompound> makeForEach(std::string const& name = "loop") {
-    auto loop = Kesto::DmForEachCompound::createForEachCompound(name, makeLogger());
-    loop->initialize();
+    auto loop = Kesto::DmForEachCompound::createForEachCompound(name);
     return loop;
 }
 
