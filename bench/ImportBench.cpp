@@ -56,8 +56,7 @@ Chain makeChain(long nodeCount) {
         def->setScope(chain.lib.get(), kFailOnClash);
         chain.defs.push_back(def);
     }
-    chain.compound = DmCompound::createCompound("chain", chain.logger);
-    chain.compound->initialize();
+    chain.compound = DmCompound::createCompound("chain");
     chain.compound->addPortDescription(port("a", kDirectionInput), kFailOnClash);
     chain.compound->addPortDescription(port("r", kDirectionOutput), kFailOnClash);
     chain.compound->setScope(chain.lib.get(), kFailOnClash);

@@ -27,7 +27,7 @@ std::shared_ptr<DmLibrary> makeLibrary() {
     auto library = DmLibrary::newLibrary(std::make_shared<BaContext>(), nullptr, DmExternOperator::kSafe);
     auto const& global = library->getGlobalNamespace();
     for (char const* path : {"a", "a::b"}) {
-        auto type = std::make_shared<DmStructType>(DmExternBaseType::InternalConstructor(), "T");
+        auto type = DmLibrary::createStructType("T");
         type->addMember("x", DmLibrary::getIntType());
         type->setNamespace(global->fetchNamespace(path).get(), kFailOnClash);
     }

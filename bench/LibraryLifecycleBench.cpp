@@ -67,8 +67,7 @@ void BM_ResetDroppingContent(benchmark::State& state) {
         auto const& global = library->getGlobalNamespace();
         for (long i = 0; i < count; ++i) {
             auto const ns = global->fetchNamespace("ns" + std::to_string(i));
-            auto compound = DmCompound::createCompound("graph", library->getErrorLogger());
-            compound->initialize();
+            auto compound = DmCompound::createCompound("graph");
             compound->setScope(ns.get(), kFailOnClash);
         }
         state.ResumeTiming();

@@ -48,8 +48,7 @@ std::shared_ptr<DmStructType> makeWideStruct(std::size_t width, std::size_t leve
     TypePtr inner = innermost;
     std::shared_ptr<DmStructType> type;
     for (std::size_t level = 0; level < levels; ++level) {
-        type = std::make_shared<DmStructType>(Kesto::DmExternBaseType::InternalConstructor(),
-                                              "Level" + std::to_string(level));
+        type = Kesto::DmLibrary::createStructType("Level" + std::to_string(level));
         for (std::size_t index = 0; index + 1 < width; ++index) {
             type->addMember("m" + std::to_string(index), builtIns[index % builtIns.size()]);
         }
@@ -120,7 +119,7 @@ BENCHMARK(BM_LessThanWideStructDifferingInnermost);
 /// A flat struct of `width` built-in members.
 std::shared_ptr<DmStructType> makeFlatStruct(std::int64_t width) {
     std::vector<TypePtr> const builtIns = memberTypes();
-    auto type = std::make_shared<DmStructType>(Kesto::DmExternBaseType::InternalConstructor(), "Flat");
+    auto type = Kesto::DmLibrary::createStructType("Flat");
     for (std::int64_t index = 0; index < width; ++index) {
         type->addMember("m" + std::to_string(index),
                         builtIns[static_cast<std::size_t>(index) % builtIns.size()]);

@@ -1,6 +1,7 @@
 // Costs of values: making a struct value with every member given its default,
 // reading a member once the member map is built, and filling large arrays
 // with default elements (trivial ints, and texts that are handled one by one).
+#include <KestoDM/library/DmLibrary.h>
 #include <KestoDM/types/DmArrayType.h>
 #include <KestoDM/types/DmArrayValue.h>
 #include <KestoDM/types/DmBaseValue.h>
@@ -27,7 +28,7 @@ using Singletons = Kesto::Internal::TypeSingletons;
 
 /// A struct of 16 members, int, double, string and bool in turn.
 std::shared_ptr<DmStructType> makeSixteenMemberStruct() {
-    auto type = std::make_shared<DmStructType>(Kesto::DmExternBaseType::InternalConstructor(), "Sixteen");
+    auto type = Kesto::DmLibrary::createStructType("Sixteen");
     std::shared_ptr<DmBaseType const> const memberTypes[] = {
         Singletons::intType(), Singletons::doubleType(), Singletons::stringType(), Singletons::boolType()};
     for (int i = 0; i < 16; ++i) {

@@ -16,10 +16,9 @@ int main() {
         return 1;
     }
 
-    auto const graph = DmCompound::createCompound("graph", library->getErrorLogger());
-    graph->setLibrary(library.get());
+    auto const graph = DmCompound::createCompound("graph"); // with its self node, ready for ports
+    graph->setLibrary(library.get());                       // its refusals go to the library's log
     graph->setScope(library->getGlobalNamespace().get(), kFailOnClash);
-    graph->initialize(); // the self node
     graph->addPortDescription(
         DmPortDescription::newPortDescription("in", DmLibrary::getIntType(), kDirectionInput, kNameVerbatim),
         kFailOnClash);

@@ -81,14 +81,14 @@ std::vector<std::string> reservedList(DmCompound::ReservedNames const* names) {
 // ---------------------------------------------------------------------------
 // Construction
 
-std::shared_ptr<DmCompound> DmCompound::createCompound(std::string const& name,
-                                                       std::shared_ptr<DmMessageLogger> logger,
-                                                       DmNameResolveFlags flags) {
-    return makeNamed<DmCompound>(name, flags, InternalConstructor(), std::move(logger));
+std::shared_ptr<DmCompound> DmCompound::createCompound(std::string const& name, DmNameResolveFlags flags) {
+    return initialized(makeNamed<DmCompound>(name, flags, InternalConstructor()));
 }
 
-DmCompound::DmCompound(InternalConstructor, std::string name, std::shared_ptr<DmMessageLogger> logger)
-    : DmOverload(std::move(name), true), DmScope(std::move(logger)), m_nodes(std::make_shared<NodeMap>()) {}
+// The library's log is found when there is something to report: a compound
+// may be given its library after it is made.
+DmCompound::DmCompound(InternalConstructor, std::string name)
+    : DmOverload(std::move(name), true), DmScope(nullptr), m_nodes(std::make_shared<NodeMap>()) {}
 
 DmCompound::~DmCompound() {
     // Connections first, while the ports they join are alive; then the
@@ -118,17 +118,35 @@ void DmCompound::initializeFromSelf(std::shared_ptr<DmSelfNode> const& selfNode)
     }
     m_selfNode = selfNode;
     if (DmOverloadSet const* const set = get_owner()) {
-        for (auto const& entry : set->getPortsInterface()) {
-            DmOverload::addPortDescription(entry.second->clone(), kFailOnClash);
-        }
+        takeSetInterface(*set);
     }
     m_selfNode->initialize(false);
     m_selfNode->setOwner(this);
     registerNode(m_selfNode.get());
 }
 
+void DmCompound::takeSetInterface(DmOverloadSet const& set) {
+    for (auto const& entry : set.getPortsInterface()) {
+        if (!getPortsInterface().hasPort(entry.first)) {
+            DmOverload::addPortDescription(entry.second->clone(), kFailOnClash);
+        }
+    }
+}
+
+void DmCompound::joinSet(DmOverloadSet const& set) {
+    if (!m_selfNode) {
+        return; // initialize will take the interface
+    }
+    for (auto const& entry : getPortsInterface()) {
+        if (!isReservedPortName(entry.first)) {
+            return; // the compound's own signature, to be compared with the set's
+        }
+    }
+    takeSetInterface(set);
+}
+
 std::shared_ptr<DmCompound> DmCompound::clone() const {
-    return initialized(createCompound(getName(), getLogger(), kNameVerbatim));
+    return createCompound(getName(), kNameVerbatim);
 }
 
 // ---------------------------------------------------------------------------
@@ -147,6 +165,11 @@ bool DmCompound::setName(std::string const& name, DmNameResolutionType type, DmN
 
 DmStatus DmCompound::setScope(DmScope* scope, DmNameResolutionType type) {
     return DmOverload::setScope(scope, type);
+}
+
+std::shared_ptr<DmMessageLogger> DmCompound::getLogger() const {
+    DmLibrary const* const library = getLibrary();
+    return library != nullptr ? library->getErrorLogger() : nullptr;
 }
 
 void DmCompound::setURI(std::shared_ptr<DmURI> const& uri) {
@@ -346,9 +369,7 @@ DmNode::ConnectionSet const& DmCompound::getBindingConnections() const {
 void DmCompound::reportConnectionFailure(ConnectionFailureType failure, DmNamedEntity const* entity,
                                          std::string const& sourceName, std::string const& targetName,
                                          bool connection) const {
-    DmLibrary const* const library = getLibrary();
-    std::shared_ptr<DmMessageLogger> const logger =
-        library != nullptr ? library->getErrorLogger() : getLogger();
+    std::shared_ptr<DmMessageLogger> const logger = getLogger();
     if (!logger) {
         return;
     }

@@ -10,6 +10,12 @@ namespace Kesto {
 
 std::shared_ptr<DmCppOperator> DmCppOperator::createCppOperator(std::string const& name,
                                                                 CancellationPolicy cancellationPolicy,
+                                                                DmNameResolveFlags flags) {
+    return createCppOperator(name, cancellationPolicy, std::string(), flags);
+}
+
+std::shared_ptr<DmCppOperator> DmCppOperator::createCppOperator(std::string const& name,
+                                                                CancellationPolicy cancellationPolicy,
                                                                 std::string const& packName,
                                                                 DmNameResolveFlags flags) {
     return makeNamed<DmCppOperator>(name, flags, InternalConstructor(), cancellationPolicy, packName);

@@ -1,6 +1,5 @@
 #include <KestoDM/graph/DmForEachCompound.h>
 
-#include <KestoDM/foundation/DmMessageLogger.h>
 #include <KestoDM/graph/DmPortDescription.h>
 
 #include <utility>
@@ -10,20 +9,18 @@ namespace Kesto {
 // ---------------------------------------------------------------------------
 // Construction
 
-std::shared_ptr<DmForEachCompound>
-DmForEachCompound::createForEachCompound(std::string const& name, std::shared_ptr<DmMessageLogger> logger,
-                                         DmNameResolveFlags flags) {
-    return makeNamed<DmForEachCompound>(name, flags, InternalConstructor(), std::move(logger));
+std::shared_ptr<DmForEachCompound> DmForEachCompound::createForEachCompound(std::string const& name,
+                                                                            DmNameResolveFlags flags) {
+    return initialized(makeNamed<DmForEachCompound>(name, flags, InternalConstructor()));
 }
 
-DmForEachCompound::DmForEachCompound(InternalConstructor tag, std::string name,
-                                     std::shared_ptr<DmMessageLogger> logger)
-    : DmLoopingCompound(tag, std::move(name), std::move(logger), "LoopForEach.svg") {}
+DmForEachCompound::DmForEachCompound(InternalConstructor tag, std::string name)
+    : DmLoopingCompound(tag, std::move(name), "LoopForEach.svg") {}
 
 DmForEachCompound::~DmForEachCompound() = default;
 
 std::shared_ptr<DmCompound> DmForEachCompound::clone() const {
-    return initialized(createForEachCompound(getName(), getLogger(), kNameVerbatim));
+    return createForEachCompound(getName(), kNameVerbatim);
 }
 
 bool DmForEachCompound::isArrayLoop() const {

@@ -1,6 +1,5 @@
 #include <KestoDM/graph/DmIterateCompound.h>
 
-#include <KestoDM/foundation/DmMessageLogger.h>
 #include <KestoDM/graph/DmPortDescription.h>
 
 #include <utility>
@@ -10,20 +9,18 @@ namespace Kesto {
 // ---------------------------------------------------------------------------
 // Construction
 
-std::shared_ptr<DmIterateCompound>
-DmIterateCompound::createIterateCompound(std::string const& name, std::shared_ptr<DmMessageLogger> logger,
-                                         DmNameResolveFlags flags) {
-    return makeNamed<DmIterateCompound>(name, flags, InternalConstructor(), std::move(logger));
+std::shared_ptr<DmIterateCompound> DmIterateCompound::createIterateCompound(std::string const& name,
+                                                                            DmNameResolveFlags flags) {
+    return initialized(makeNamed<DmIterateCompound>(name, flags, InternalConstructor()));
 }
 
-DmIterateCompound::DmIterateCompound(InternalConstructor tag, std::string name,
-                                     std::shared_ptr<DmMessageLogger> logger)
-    : DmLoopingCompound(tag, std::move(name), std::move(logger), "LoopIterate.svg") {}
+DmIterateCompound::DmIterateCompound(InternalConstructor tag, std::string name)
+    : DmLoopingCompound(tag, std::move(name), "LoopIterate.svg") {}
 
 DmIterateCompound::~DmIterateCompound() = default;
 
 std::shared_ptr<DmCompound> DmIterateCompound::clone() const {
-    return initialized(createIterateCompound(getName(), getLogger(), kNameVerbatim));
+    return createIterateCompound(getName(), kNameVerbatim);
 }
 
 bool DmIterateCompound::isArrayLoop() const {

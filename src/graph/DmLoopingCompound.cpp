@@ -1,12 +1,13 @@
 #include <KestoDM/graph/DmLoopingCompound.h>
 
-#include <KestoDM/foundation/DmMessageLogger.h>
 #include <KestoDM/graph/DmPort.h>
 #include <KestoDM/types/DmArrayType.h>
 #include <KestoDM/types/DmBaseType.h>
 #include <KestoDM/types/DmMetadata.h>
 #include <KestoDM/types/DmMetadataItem.h>
 #include <KestoDM/types/DmUnknownType.h>
+
+#include "types/DmExternTypeFactory.h"
 
 #include <utility>
 
@@ -23,7 +24,7 @@ std::shared_ptr<DmBaseType const> unknownElementType(DmBaseType const& unknown) 
         name.size() > prefix.size() + 1 && name.compare(0, prefix.size(), prefix) == 0 && name.back() == '>';
     std::string const element =
         arrayForm ? name.substr(prefix.size(), name.size() - prefix.size() - 1) : name;
-    return std::make_shared<DmUnknownType>(DmExternBaseType::InternalConstructor(), element);
+    return Internal::ExternTypeFactory::make<DmUnknownType>(element);
 }
 
 } // namespace
@@ -31,9 +32,8 @@ std::shared_ptr<DmBaseType const> unknownElementType(DmBaseType const& unknown) 
 // ---------------------------------------------------------------------------
 // Construction
 
-DmLoopingCompound::DmLoopingCompound(InternalConstructor tag, std::string name,
-                                     std::shared_ptr<DmMessageLogger> logger, std::string const& iconFile)
-    : DmCompound(tag, std::move(name), std::move(logger)) {
+DmLoopingCompound::DmLoopingCompound(InternalConstructor tag, std::string name, std::string const& iconFile)
+    : DmCompound(tag, std::move(name)) {
     getMetadata()->add(std::make_shared<DmMetadataItem>(kIconKey, "../icons/" + iconFile));
 }
 

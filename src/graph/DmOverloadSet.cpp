@@ -87,6 +87,9 @@ DmStatus DmOverloadSet::addOverload(std::shared_ptr<DmOverload> const& overload)
     }
     DmStatus status = DmStatus::kSuccess;
     if (!m_overloads->empty()) {
+        if (auto* const compound = dynamic_cast<DmCompound*>(overload.get())) {
+            compound->joinSet(*this);
+        }
         // Widen: a port on which the newcomer disagrees becomes auto here.
         std::vector<std::shared_ptr<DmPortDescription>> widened;
         for (auto const& entry : getPortsInterface()) {

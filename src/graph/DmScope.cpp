@@ -24,6 +24,10 @@ DmScope::DmScope(std::shared_ptr<DmMessageLogger> logger)
 
 DmScope::~DmScope() = default;
 
+std::shared_ptr<DmMessageLogger> DmScope::getLogger() const {
+    return m_logger;
+}
+
 bool DmScope::isValid() const {
     return true;
 }
@@ -168,11 +172,11 @@ void DmScope::resolveScopeName(std::string& out) const {
         }
         // An orphan still gets its own name, so that what is printed stays
         // recognisable; the report tells that the path is cut short.
-        if (m_logger) {
+        if (std::shared_ptr<DmMessageLogger> const logger = getLogger()) {
             DmNamedEntity const* const entity = getAsNamedEntity();
             std::shared_ptr<DmNamedEntity const> const owner =
                 entity != nullptr ? entity->weak_from_this().lock() : nullptr;
-            m_logger->reportMessage(std::make_shared<DmMessageReport>(
+            logger->reportMessage(std::make_shared<DmMessageReport>(
                 owner, BaMessageTypes::kMessageError, "missing parent scope",
                 "the scope " + getLocalScopeName() + " does not have a parent"));
         }

@@ -1,6 +1,5 @@
 #include <KestoDM/graph/DmWhileCompound.h>
 
-#include <KestoDM/foundation/DmMessageLogger.h>
 #include <KestoDM/graph/DmPort.h>
 #include <KestoDM/graph/DmPortDescription.h>
 #include <KestoDM/types/DmBuiltInType.h>
@@ -15,14 +14,12 @@ namespace Kesto {
 // Construction
 
 std::shared_ptr<DmWhileCompound> DmWhileCompound::createWhileCompound(std::string const& name,
-                                                                      std::shared_ptr<DmMessageLogger> logger,
                                                                       DmNameResolveFlags flags) {
-    return makeNamed<DmWhileCompound>(name, flags, InternalConstructor(), std::move(logger));
+    return initialized(makeNamed<DmWhileCompound>(name, flags, InternalConstructor()));
 }
 
-DmWhileCompound::DmWhileCompound(InternalConstructor tag, std::string name,
-                                 std::shared_ptr<DmMessageLogger> logger)
-    : DmLoopingCompound(tag, std::move(name), std::move(logger), "LoopDo_While.svg") {}
+DmWhileCompound::DmWhileCompound(InternalConstructor tag, std::string name)
+    : DmLoopingCompound(tag, std::move(name), "LoopDo_While.svg") {}
 
 DmWhileCompound::~DmWhileCompound() = default;
 
@@ -39,7 +36,7 @@ void DmWhileCompound::initialize() {
 }
 
 std::shared_ptr<DmCompound> DmWhileCompound::clone() const {
-    return initialized(createWhileCompound(getName(), getLogger(), kNameVerbatim));
+    return createWhileCompound(getName(), kNameVerbatim);
 }
 
 bool DmWhileCompound::isArrayLoop() const {

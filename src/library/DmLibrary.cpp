@@ -22,10 +22,14 @@
 #include <KestoDM/platform/BaContext.h>
 #include <KestoDM/types/DmArrayType.h>
 #include <KestoDM/types/DmBaseType.h>
+#include <KestoDM/types/DmClassType.h>
+#include <KestoDM/types/DmEnumType.h>
+#include <KestoDM/types/DmStructType.h>
 
 #include "graph/DmRootNamespaces.h"
 #include "library/DmBuiltInDefinitions.h"
 #include "library/DmLibraryFaults.h"
+#include "types/DmExternTypeFactory.h"
 #include "types/DmTypeSingletons.h"
 
 #include <boost/filesystem/operations.hpp>
@@ -372,6 +376,21 @@ DmLibrary::TypeMap DmLibrary::getTypes(bool withReserved) const {
 
 DmLibrary::ConstTypeMap DmLibrary::getConstTypes(bool withReserved) const {
     return collectTypes<ConstTypeMap>(*m_globalNamespace, withReserved);
+}
+
+// ---------------------------------------------------------------------------
+// Type factories
+
+std::shared_ptr<DmStructType> DmLibrary::createStructType(std::string const& name) {
+    return Internal::ExternTypeFactory::make<DmStructType>(name);
+}
+
+std::shared_ptr<DmEnumType> DmLibrary::createEnumType(std::string const& name) {
+    return Internal::ExternTypeFactory::make<DmEnumType>(name);
+}
+
+std::shared_ptr<DmClassType> DmLibrary::createClassType(std::string const& name) {
+    return Internal::ExternTypeFactory::make<DmClassType>(name);
 }
 
 // ---------------------------------------------------------------------------

@@ -1,15 +1,21 @@
 #include "types/DmTypeSingletons.h"
 
+#include "types/DmExternTypeFactory.h"
+
 namespace Kesto {
 namespace Internal {
 
 namespace {
 
-template <class T, class... Args>
-std::shared_ptr<T> makeConstType(Args&&... args) {
-    auto type = std::make_shared<T>(std::forward<Args>(args)...);
+template <class T>
+std::shared_ptr<T> madeConst(std::shared_ptr<T> type) {
     type->makeConst();
     return type;
+}
+
+template <class T, class... Args>
+std::shared_ptr<T> makeConstType(Args&&... args) {
+    return madeConst(std::make_shared<T>(std::forward<Args>(args)...));
 }
 
 } // namespace
@@ -96,13 +102,13 @@ std::shared_ptr<DmUndefinedType> const& TypeSingletons::undefinedType() {
 
 std::shared_ptr<DmClassType> const& TypeSingletons::runtimeServicesType() {
     static std::shared_ptr<DmClassType> const s_type =
-        makeConstType<DmClassType>(DmExternBaseType::InternalConstructor(), "__RuntimeServices__");
+        madeConst(ExternTypeFactory::make<DmClassType>("__RuntimeServices__"));
     return s_type;
 }
 
 std::shared_ptr<DmClassType> const& TypeSingletons::typeRegistryType() {
     static std::shared_ptr<DmClassType> const s_type =
-        makeConstType<DmClassType>(DmExternBaseType::InternalConstructor(), "__TypeRegistry__");
+        madeConst(ExternTypeFactory::make<DmClassType>("__TypeRegistry__"));
     return s_type;
 }
 

@@ -6,6 +6,7 @@
 // paths under which connections name their ports.
 
 #include "graph/ModelTestSupport.h"
+#include "library/LibraryTestSupport.h"
 
 #include <KestoDM/foundation/DmMessageLogger.h>
 #include <KestoDM/foundation/DmNameResolution.h>
@@ -40,19 +41,22 @@ protected:
 };
 
 /// ConnectionTest that also expects the scopes that a test makes to be gone
-/// when it ends. The compounds it makes report to m_logger.
+/// when it ends. The compounds it makes belong to m_library, whose log,
+/// empty when the test starts, is m_logger.
 class CompoundTest : public ConnectionTest {
 protected:
+    CompoundTest() { m_logger->clear(); }
+
     void SetUp() override {
         ConnectionTest::SetUp();
         expectBackAtEnd<Kesto::DmScope>("scopes");
     }
 
-    /// An initialized compound; placed in `scope` when one is given.
+    /// A compound from the factory; placed in `scope` when one is given.
     std::shared_ptr<Kesto::DmCompound> makeCompound(std::string const& name = "graph",
                                                     Kesto::DmScope* scope = nullptr) {
-        auto compound = Kesto::DmCompound::createCompound(name, m_logger);
-        compound->initialize();
+        auto compound = Kesto::DmCompound::createCompound(name);
+        compound->setLibrary(m_library.get());
         if (scope != nullptr) {
             EXPECT_EQ(compound->setScope(scope, Kesto::kFailOnClash), Kesto::DmStatus::kSuccess) << name;
         }
@@ -68,7 +72,8 @@ protected:
         return compound;
     }
 
-    std::shared_ptr<Kesto::DmMessageLogger> m_logger = makeLogger();
+    std::shared_ptr<Kesto::DmLibrary> m_library = makeLibrary();
+    std::shared_ptr<Kesto::DmMessageLogger> m_logger = m_library->getErrorLogger();
 };
 
 /// A compound that reserves the port name "cond", as loops reserve the ports
@@ -76,16 +81,14 @@ protected:
 /// cannot take it under kFailOnClash.
 class ReservingCompound : public Kesto::DmCompound {
 public:
-    ReservingCompound(std::string name, std::shared_ptr<Kesto::DmMessageLogger> logger)
-        : DmCompound(InternalConstructor(), std::move(name), std::move(logger)) {}
+    explicit ReservingCompound(std::string name) : DmCompound(InternalConstructor(), std::move(name)) {}
 
-    static std::shared_ptr<ReservingCompound> make(std::string name,
-                                                   std::shared_ptr<Kesto::DmMessageLogger> logger) {
-        return initialized(std::make_shared<ReservingCompound>(std::move(name), std::move(logger)));
+    static std::shared_ptr<ReservingCompound> make(std::string name) {
+        return initialized(std::make_shared<ReservingCompound>(std::move(name)));
     }
 
     bool isReservedPortName(std::string const& name) const override { return name == "cond"; }
-    std::shared_ptr<Kesto::DmCompound> clone() const override { return make(getName(), getLogger()); }
+    std::shared_ptr<Kesto::DmCompound> clone() const override { return make(getName()); }
 };
 
 /// "op": the int input "in" and the int output "out".
@@ -180,14 +183,15 @@ inline std::shared_ptr<Kesto::DmNativeNodeDef> makeSceneOp(std::string const& na
 
 /// A compound "comp" with the int input x and the int output y (on its self
 /// node, x is an output and y an input), and the nodes n1, n2 and n3 on
-/// makeSceneOp's "op". The compound's own log is `logger`.
+/// makeSceneOp's "op". The compound belongs to a library of its own, whose
+/// log, empty at first, is `logger`.
 struct ConnectionScene {
     using Failure = Kesto::DmCompound::ConnectionFailureType;
 
-    explicit ConnectionScene(std::shared_ptr<Kesto::DmMessageLogger> compoundLogger = makeLogger())
-        : logger(std::move(compoundLogger)) {
-        compound = Kesto::DmCompound::createCompound("comp", logger);
-        compound->initialize();
+    ConnectionScene() : library(makeLibrary()), logger(library->getErrorLogger()) {
+        logger->clear();
+        compound = Kesto::DmCompound::createCompound("comp");
+        compound->setLibrary(library.get());
         compound->addPortDescription(input("x", Kesto::DmLibrary::getIntType()), Kesto::kFailOnClash);
         compound->addPortDescription(output("y", Kesto::DmLibrary::getIntType()), Kesto::kFailOnClash);
         auto const def = makeSceneOp();
@@ -249,6 +253,8 @@ struct ConnectionScene {
         return refusal(status, failure, expected);
     }
 
+    /// Declared first, so that it outlives the compound.
+    std::shared_ptr<Kesto::DmLibrary> library;
     std::shared_ptr<Kesto::DmMessageLogger> logger;
     std::shared_ptr<Kesto::DmCompound> compound;
     std::shared_ptr<Kesto::DmNode> n1;

@@ -26,7 +26,6 @@
 using namespace Kesto;
 using KestoTest::AcceptAll;
 using KestoTest::input;
-using KestoTest::makeLogger;
 using KestoTest::makeNamespace;
 using KestoTest::makeStruct;
 using KestoTest::makeURI;
@@ -44,8 +43,7 @@ using Names = std::vector<std::string>;
 /// tests see whether an overload set lets it through.
 class CountingCompound : public DmCompound {
 public:
-    explicit CountingCompound(std::string name)
-        : DmCompound(InternalConstructor(), std::move(name), makeLogger()) {}
+    explicit CountingCompound(std::string name) : DmCompound(InternalConstructor(), std::move(name)) {}
 
     static std::shared_ptr<CountingCompound> make(std::string name) {
         return initialized(std::make_shared<CountingCompound>(std::move(name)));
@@ -84,8 +82,7 @@ std::shared_ptr<DmCppOperator> makeCppOperator(std::string const& name) {
 }
 
 std::shared_ptr<DmCompound> makeCompound(std::string const& name) {
-    auto compound = DmCompound::createCompound(name, makeLogger(), kNameVerbatim);
-    compound->initialize();
+    auto compound = DmCompound::createCompound(name, kNameVerbatim);
     return compound;
 }
 

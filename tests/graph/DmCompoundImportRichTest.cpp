@@ -143,8 +143,7 @@ protected:
     }
 
     std::shared_ptr<DmCompound> compound(std::string const& name, DmScope& scope) {
-        auto made = DmCompound::createCompound(name, m_library->getErrorLogger());
-        made->initialize();
+        auto made = DmCompound::createCompound(name);
         made->setLibrary(m_library.get());
         EXPECT_EQ(made->setScope(&scope, kFailOnClash), DmStatus::kSuccess) << name;
         return made;

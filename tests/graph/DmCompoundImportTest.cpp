@@ -54,7 +54,6 @@ using KestoTest::independentCompounds;
 using KestoTest::input;
 using KestoTest::intValue;
 using KestoTest::makeLibrary;
-using KestoTest::makeLogger;
 using KestoTest::makeNamespace;
 using KestoTest::output;
 using KestoTest::portNames;
@@ -71,17 +70,16 @@ using Names = std::vector<std::string>;
 /// Counts the clones made of it: an import begins by cloning its source.
 class CountingCompound : public DmCompound {
 public:
-    CountingCompound(std::string name, std::shared_ptr<DmMessageLogger> logger, int* clones)
-        : DmCompound(InternalConstructor(), std::move(name), std::move(logger)), m_clones(clones) {}
+    CountingCompound(std::string name, int* clones)
+        : DmCompound(InternalConstructor(), std::move(name)), m_clones(clones) {}
 
-    static std::shared_ptr<CountingCompound> make(std::string name, std::shared_ptr<DmMessageLogger> logger,
-                                                  int* clones) {
-        return initialized(std::make_shared<CountingCompound>(std::move(name), std::move(logger), clones));
+    static std::shared_ptr<CountingCompound> make(std::string name, int* clones) {
+        return initialized(std::make_shared<CountingCompound>(std::move(name), clones));
     }
 
     std::shared_ptr<DmCompound> clone() const override {
         ++*m_clones;
-        return make(getName(), getLogger(), m_clones);
+        return make(getName(), m_clones);
     }
 
 private:
@@ -92,11 +90,10 @@ private:
 /// its own ports; its clones are of its class, and so make the port too.
 class LimitedCompound : public DmCompound {
 public:
-    LimitedCompound(std::string name, std::shared_ptr<DmMessageLogger> logger)
-        : DmCompound(InternalConstructor(), std::move(name), std::move(logger)) {}
+    explicit LimitedCompound(std::string name) : DmCompound(InternalConstructor(), std::move(name)) {}
 
-    static std::shared_ptr<LimitedCompound> make(std::string name, std::shared_ptr<DmMessageLogger> logger) {
-        return initialized(std::make_shared<LimitedCompound>(std::move(name), std::move(logger)));
+    static std::shared_ptr<LimitedCompound> make(std::string name) {
+        return initialized(std::make_shared<LimitedCompound>(std::move(name)));
     }
 
     void initialize() override {
@@ -104,7 +101,7 @@ public:
         addPortDescription(input("limit", DmLibrary::getIntType()), kFailOnClash);
     }
 
-    std::shared_ptr<DmCompound> clone() const override { return make(getName(), getLogger()); }
+    std::shared_ptr<DmCompound> clone() const override { return make(getName()); }
 };
 
 /// Writes down each step of a walk over a compound.
@@ -256,7 +253,7 @@ TEST_F(DmCompoundImportTest, ErrorFlagSetWithNoBitsGivenIsTrue) {
 
 TEST_F(DmCompoundImportTest, ImportIntoNullScopeIsFailureWithNothingBuilt) {
     int clones = 0;
-    auto source = CountingCompound::make("graph", m_logger, &clones);
+    auto source = CountingCompound::make("graph", &clones);
     addNode(*source, "n1", m_op);
     std::size_t const nodesOnOp = m_op->getInstantiatedNodes().size();
     std::shared_ptr<DmNodeDef> out;
@@ -324,7 +321,7 @@ TEST_F(DmCompoundImportTest, ImportIntoAnotherCompoundMakesAPrivateDefinition) {
 
 TEST_F(DmCompoundImportTest, FailOnClashWithATakenNameIsInvalidArgumentWithNothingBuilt) {
     int clones = 0;
-    auto source = CountingCompound::make("graph", m_logger, &clones);
+    auto source = CountingCompound::make("graph", &clones);
     auto taken = makeCompound("copy", m_user.get());
     std::shared_ptr<DmNodeDef> out;
     EXPECT_EQ(source->import(m_user, kFailOnClash, "copy", out, 0), DmStatus::kInvalidArgument);
@@ -410,7 +407,7 @@ TEST_F(DmCompoundImportTest, TheCopysSelfNodeTakesTheNewName) {
 // What precedes the content: class, URI, library, reserved names
 
 TEST_F(DmCompoundImportTest, TheCopyIsACloneOfTheSourcesClass) {
-    auto source = LimitedCompound::make("loop", m_logger);
+    auto source = LimitedCompound::make("loop");
     auto const copy = importToUser(*source);
     ASSERT_NE(copy, nullptr);
     EXPECT_NE(std::dynamic_pointer_cast<LimitedCompound>(copy), nullptr);
@@ -418,7 +415,7 @@ TEST_F(DmCompoundImportTest, TheCopyIsACloneOfTheSourcesClass) {
 
 TEST_F(DmCompoundImportTest, ImportClonesTheSourceOnce) {
     int clones = 0;
-    auto source = CountingCompound::make("graph", m_logger, &clones);
+    auto source = CountingCompound::make("graph", &clones);
     importToUser(*source);
     EXPECT_EQ(clones, 1);
 }
@@ -637,7 +634,7 @@ TEST_F(DmCompoundImportTest, TheCopysSelfNodeShowsTheCopiedPortsInverted) {
 }
 
 TEST_F(DmCompoundImportTest, OwnPortOfTheCloneTakesTheSourcesOverrideAndMetadataOnce) {
-    auto source = LimitedCompound::make("loop", m_logger);
+    auto source = LimitedCompound::make("loop");
     source->addPortDescription(input("x", DmLibrary::getIntType()), kFailOnClash);
     auto const limit = source->getPortsInterface()["limit"];
     ASSERT_TRUE(limit->setDefaultValueOverride(intValue(10)));
@@ -654,8 +651,7 @@ TEST_F(DmCompoundImportTest, OwnPortOfTheCloneTakesTheSourcesOverrideAndMetadata
 }
 
 TEST_F(DmCompoundImportTest, WhileLoopsConditionTakesTheSourcesOverrideAndMetadataOnce) {
-    auto source = DmWhileCompound::createWhileCompound("loop", m_logger);
-    source->initialize();
+    auto source = DmWhileCompound::createWhileCompound("loop");
     ASSERT_TRUE(source->addPortDescription(input("count", DmLibrary::getIntType()), kFailOnClash));
     auto const condition = source->getPortsInterface()[DmWhileCompound::kLoopingConditionPortName];
     ASSERT_NE(condition, nullptr);
@@ -679,8 +675,7 @@ TEST_F(DmCompoundImportTest, WhileLoopsConditionTakesTheSourcesOverrideAndMetada
 }
 
 TEST_F(DmCompoundImportTest, WhileLoopsStatePairOnTheSelfNodeIsRestored) {
-    auto source = DmWhileCompound::createWhileCompound("loop", m_logger);
-    source->initialize();
+    auto source = DmWhileCompound::createWhileCompound("loop");
     ASSERT_TRUE(source->addPortDescription(input("state_in", DmLibrary::getArrayOfAnyType()), kFailOnClash));
     ASSERT_TRUE(
         source->addPortDescription(output("state_out", DmLibrary::getArrayOfAnyType()), kFailOnClash));
@@ -698,8 +693,7 @@ TEST_F(DmCompoundImportTest, WhileLoopsStatePairOnTheSelfNodeIsRestored) {
 }
 
 TEST_F(DmCompoundImportTest, ForEachLoopIsCopiedWithItsTargets) {
-    auto source = DmForEachCompound::createForEachCompound("each", m_logger);
-    source->initialize();
+    auto source = DmForEachCompound::createForEachCompound("each");
     auto list = input("list", DmLibrary::getArrayOfAnyType());
     ASSERT_TRUE(list->setIterationAttribute(kIterationTarget));
     ASSERT_TRUE(source->addPortDescription(list, kFailOnClash));
@@ -717,7 +711,7 @@ TEST_F(DmCompoundImportTest, ForEachLoopIsCopiedWithItsTargets) {
 }
 
 TEST_F(DmCompoundImportTest, PortTheCopyCannotTakeFailsTheImportAndTheRestIsCopied) {
-    auto source = ReservingCompound::make("graph", m_logger);
+    auto source = ReservingCompound::make("graph");
     ASSERT_TRUE(source->addPortDescription(input("cond", DmLibrary::getBoolType()), kAsOverload));
     ASSERT_TRUE(source->addPortDescription(input("a", DmLibrary::getIntType()), kFailOnClash));
     addNode(*source, "n1", m_op);

@@ -36,7 +36,6 @@ using KestoTest::connect;
 using KestoTest::fullName;
 using KestoTest::input;
 using KestoTest::intValue;
-using KestoTest::makeLogger;
 using KestoTest::makeNamespace;
 using KestoTest::makeOp;
 using KestoTest::makeURI;
@@ -64,12 +63,15 @@ bool nests(DmScope const& scope, std::shared_ptr<DmCompound> const& compound) {
 // ---------------------------------------------------------------------------
 // Creation and initialisation
 
-TEST_F(DmCompoundTest, CreateCompoundMakesEmptyCompoundWithoutSelfNode) {
-    auto compound = DmCompound::createCompound("graph", m_logger);
+TEST_F(DmCompoundTest, CreateCompoundMakesAnInitializedCompoundWithoutPortsOrNodes) {
+    auto compound = DmCompound::createCompound("graph");
     ASSERT_NE(compound, nullptr);
     EXPECT_EQ(compound->getName(), "graph");
-    EXPECT_EQ(compound->getSelfNode(), nullptr);
-    EXPECT_EQ(compound->getInternalSelfNode(), nullptr);
+    ASSERT_NE(compound->getSelfNode(), nullptr);
+    EXPECT_EQ(compound->getSelfNode(), compound->getInternalSelfNode());
+    EXPECT_TRUE(compound->getSelfNode()->getPorts().empty());
+    EXPECT_EQ(compound->getLibrary(), nullptr);
+    EXPECT_EQ(compound->getLogger(), nullptr);
     EXPECT_TRUE(compound->getNodes().empty());
     EXPECT_TRUE(compound->getConnections().empty());
     EXPECT_TRUE(compound->getBindingConnections().empty());
@@ -83,15 +85,15 @@ TEST_F(DmCompoundTest, CreateCompoundMakesEmptyCompoundWithoutSelfNode) {
 }
 
 TEST_F(DmCompoundTest, CreateCompoundRefusesEmptyName) {
-    EXPECT_EQ(DmCompound::createCompound("", m_logger), nullptr);
+    EXPECT_EQ(DmCompound::createCompound(""), nullptr);
 }
 
 TEST_F(DmCompoundTest, CreateCompoundRefusesIllegalNameWhenLegalNameIsRequired) {
-    EXPECT_EQ(DmCompound::createCompound("my graph", m_logger, kNameMustBeLegal), nullptr);
+    EXPECT_EQ(DmCompound::createCompound("my graph", kNameMustBeLegal), nullptr);
 }
 
 TEST_F(DmCompoundTest, CreateCompoundLegalizesName) {
-    auto compound = DmCompound::createCompound("my graph", m_logger, kNameLegalize);
+    auto compound = DmCompound::createCompound("my graph", kNameLegalize);
     ASSERT_NE(compound, nullptr);
     EXPECT_EQ(compound->getName(), "my_graph");
 }
@@ -133,10 +135,11 @@ TEST_F(DmCompoundTest, NewOverloadOfSetStartsFromTheSetsInterface) {
     auto first = makeCompoundWithPorts();
     ASSERT_EQ(first->setScope(ns.get(), kFailOnClash), DmStatus::kSuccess);
 
-    auto second = DmCompound::createCompound("graph", m_logger);
-    // It joins the set although it lacks the set's ports.
+    // Not yet initialized as it joins: it lacks the set's ports, and joins all the same.
+    auto second = std::make_shared<ReservingCompound>("graph");
     EXPECT_EQ(second->setScope(ns.get(), kAsOverload), DmStatus::kFailure);
     ASSERT_EQ(second->get_owner(), setOf(*ns, "graph").get());
+    EXPECT_TRUE(second->getPortsInterface().empty());
     second->initialize();
 
     EXPECT_EQ(portNames(second->getPortsInterface()), (Names{"a", "r"}));
@@ -161,7 +164,7 @@ TEST_F(DmCompoundTest, NewOverloadOfSetStartsFromTheSetsInterface) {
 }
 
 TEST_F(DmCompoundTest, IsValidWithNameAlone) {
-    auto compound = DmCompound::createCompound("graph", m_logger);
+    auto compound = std::make_shared<ReservingCompound>("graph");
     EXPECT_TRUE(compound->isValid());
     compound->initialize();
     EXPECT_TRUE(compound->isValid());
@@ -506,7 +509,7 @@ TEST_F(DmCompoundTest, UniquePortNameIgnoresNodeNames) {
 }
 
 TEST_F(DmCompoundTest, ReservedPortNameIsRenamedEvenWhenFree) {
-    auto compound = ReservingCompound::make("graph", m_logger);
+    auto compound = ReservingCompound::make("graph");
     std::string name = "cond";
     compound->getUniquePortName(name);
     EXPECT_EQ(name, "cond1");

@@ -34,7 +34,6 @@ namespace {
 using namespace Kesto;
 using KestoTest::input;
 using KestoTest::makeLibrary;
-using KestoTest::makeLogger;
 using KestoTest::makeSceneOp;
 using KestoTest::output;
 
@@ -115,9 +114,11 @@ TEST_F(DmConnectionMessagesTest, RedundantConnectionIsAnErrorAboutTheTargetNode)
 }
 
 TEST_F(DmConnectionMessagesTest, RedundantConnectionBetweenPortsAAndBReadsInFull) {
-    auto const logger = makeLogger();
-    auto const compound = DmCompound::createCompound("comp", logger);
-    compound->initialize();
+    auto const library = makeLibrary();
+    auto const& logger = library->getErrorLogger();
+    logger->clear();
+    auto const compound = DmCompound::createCompound("comp");
+    compound->setLibrary(library.get());
     auto const def = DmNativeNodeDef::newNativeNodeDef("op", DmNativeNodeDef::kPass);
     def->addPortDescription(output("a", DmLibrary::getIntType()), kFailOnClash);
     def->addPortDescription(input("b", DmLibrary::getIntType()), kFailOnClash);
@@ -413,23 +414,36 @@ TEST_F(DmConnectionMessagesTest, ReportsGoToTheLibraryLogWhenTheCompoundHasALibr
     libraryLog->clear();
 }
 
-TEST_F(DmConnectionMessagesTest, ReportsGoToTheCompoundLogWithoutALibrary) {
+TEST_F(DmConnectionMessagesTest, ACompoundWithoutALibraryReportsNothing) {
+    Scene scene;
+    scene.compound->setLibrary(nullptr);
+    EXPECT_EQ(scene.compound->getLogger(), nullptr);
+    Failure failure = DmCompound::kConnectionOk;
+    EXPECT_EQ(scene.attempt("n1.out", "n2.out", failure), DmStatus::kInvalidArgument);
+    EXPECT_EQ(failure, DmCompound::kConnectionTargetNotInput);
+    EXPECT_EQ(scene.logger->getMessageCount(), 0u);
+}
+
+TEST_F(DmConnectionMessagesTest, ReportsFollowTheLibraryTheCompoundIsGivenLater) {
     auto const library = makeLibrary();
     auto const& libraryLog = library->getErrorLogger();
     libraryLog->clear();
-    Scene scene;
-    ASSERT_EQ(scene.compound->getLibrary(), nullptr);
-    Failure failure = DmCompound::kConnectionOk;
-    EXPECT_EQ(scene.attempt("n1.out", "n2.out", failure), DmStatus::kInvalidArgument);
-    EXPECT_EQ(libraryLog->getMessageCount(), 0u);
-    expectConnectionReport(*scene.logger, "n1.out", "n2.out", "(target is not an input)",
-                           BaMessageTypes::kMessageWarning, scene.n2.get(), "n2");
+    auto const compound = DmCompound::createCompound("comp");
+    auto const n1 = DmNode::createNode("n1", makeSceneOp());
+    ASSERT_EQ(compound->addNode(n1, kFailOnClash), DmStatus::kSuccess);
+    compound->setLibrary(library.get());
+    EXPECT_EQ(compound->getLogger(), libraryLog);
+    std::shared_ptr<DmConnection> made;
+    EXPECT_EQ(compound->makeConnection("n1.out", "n1.a", made), DmStatus::kInvalidArgument);
+    expectConnectionReport(*libraryLog, "n1.out", "n1.a",
+                           "(single node connections can only be between internal ports)",
+                           BaMessageTypes::kMessageWarning, n1.get(), "n1");
+    libraryLog->clear();
 }
 
 TEST_F(DmConnectionMessagesTest, RefusalWithoutAnyLogStillRefuses) {
-    auto const compound = DmCompound::createCompound("comp", nullptr);
+    auto const compound = DmCompound::createCompound("comp");
     ASSERT_NE(compound, nullptr);
-    compound->initialize();
     auto const def = makeSceneOp();
     auto const n1 = DmNode::createNode("n1", def);
     ASSERT_EQ(compound->addNode(n1, kFailOnClash), DmStatus::kSuccess);

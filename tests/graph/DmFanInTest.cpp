@@ -405,8 +405,7 @@ TEST_F(DmFanInTest, DroppingTheCompoundReleasesEntriesAndTheirConnections) {
     unsigned int const connections = count<DmConnection>();
     unsigned int const ports = count<DmPort>();
     {
-        auto compound = DmCompound::createCompound("other", m_logger);
-        compound->initialize();
+        auto compound = DmCompound::createCompound("other");
         auto a = DmNode::createNode("a", m_op);
         auto b = DmNode::createNode("b", m_op);
         ASSERT_EQ(compound->addNode(a, kFailOnClash), DmStatus::kSuccess);

@@ -38,7 +38,6 @@ namespace {
 using namespace Kesto;
 using KestoTest::fullName;
 using KestoTest::input;
-using KestoTest::makeLogger;
 using KestoTest::output;
 
 using Failure = DmCompound::ConnectionFailureType;
@@ -187,6 +186,9 @@ protected:
 
     void SetUp() override {
         ConnectionTest::SetUp();
+        m_library = KestoTest::makeLibrary();
+        m_logger = m_library->getErrorLogger();
+        m_logger->clear();
         m_connectionsBefore = count<DmConnection>();
     }
 
@@ -198,6 +200,7 @@ protected:
         m_gatherDef.reset();
         m_sinkDef.reset();
         m_logger.reset();
+        m_library.reset();
         ConnectionTest::TearDown();
     }
 
@@ -227,10 +230,9 @@ protected:
         m_sinkDef->addPortDescription(input("value", DmLibrary::getIntType()), kFailOnClash);
         m_sinkDef->addPortDescription(input("flag", DmLibrary::getBoolType()), kFailOnClash);
 
-        m_logger = makeLogger();
-        m_compound = DmCompound::createCompound("graph", m_logger);
+        m_compound = DmCompound::createCompound("graph");
         ASSERT_NE(m_compound, nullptr);
-        m_compound->initialize();
+        m_compound->setLibrary(m_library.get());
         for (char const* name : {"in0", "in1", "pass"}) {
             ASSERT_TRUE(m_compound->addPortDescription(input(name, DmLibrary::getIntType()), kFailOnClash));
         }
@@ -433,6 +435,8 @@ protected:
     std::shared_ptr<DmNativeNodeDef> m_sumDef;
     std::shared_ptr<DmNativeNodeDef> m_gatherDef;
     std::shared_ptr<DmNativeNodeDef> m_sinkDef;
+    /// The compound's library, whose log is m_logger.
+    std::shared_ptr<DmLibrary> m_library;
     std::shared_ptr<DmMessageLogger> m_logger;
     std::shared_ptr<DmCompound> m_compound;
 

@@ -27,7 +27,6 @@ using KestoTest::iconOf;
 using KestoTest::input;
 using KestoTest::insideOf;
 using KestoTest::loopingSelfNodeOf;
-using KestoTest::makeLogger;
 using KestoTest::makeUnknownType;
 using KestoTest::output;
 using KestoTest::portNames;
@@ -41,7 +40,7 @@ namespace {
 struct WhileKind {
     using Loop = DmWhileCompound;
     static std::shared_ptr<Loop> create(std::string const& name, DmNameResolveFlags flags = kNameVerbatim) {
-        return Loop::createWhileCompound(name, makeLogger(), flags);
+        return Loop::createWhileCompound(name, flags);
     }
     static constexpr char const* icon = "../icons/LoopDo_While.svg";
     static constexpr bool arrayLoop = false;
@@ -56,7 +55,7 @@ struct WhileKind {
 struct IterateKind {
     using Loop = DmIterateCompound;
     static std::shared_ptr<Loop> create(std::string const& name, DmNameResolveFlags flags = kNameVerbatim) {
-        return Loop::createIterateCompound(name, makeLogger(), flags);
+        return Loop::createIterateCompound(name, flags);
     }
     static constexpr char const* icon = "../icons/LoopIterate.svg";
     static constexpr bool arrayLoop = true;
@@ -70,7 +69,7 @@ struct IterateKind {
 struct ForEachKind {
     using Loop = DmForEachCompound;
     static std::shared_ptr<Loop> create(std::string const& name, DmNameResolveFlags flags = kNameVerbatim) {
-        return Loop::createForEachCompound(name, makeLogger(), flags);
+        return Loop::createForEachCompound(name, flags);
     }
     static constexpr char const* icon = "../icons/LoopForEach.svg";
     static constexpr bool arrayLoop = true;
@@ -86,11 +85,7 @@ class DmLoopingCompoundTest : public KestoTest::LoopTest {
 protected:
     using Loop = typename Kind::Loop;
 
-    static std::shared_ptr<Loop> makeLoop(std::string const& name = "loop") {
-        auto loop = Kind::create(name);
-        loop->initialize();
-        return loop;
-    }
+    static std::shared_ptr<Loop> makeLoop(std::string const& name = "loop") { return Kind::create(name); }
 
     /// A loop with the plain input "a" and the output "b", both of array<int>:
     /// a pair every kind can link.
@@ -119,8 +114,7 @@ TYPED_TEST_SUITE(DmLoopingCompoundTest, Kinds, KindNames);
 /// A plain compound with the int input "x" and the int output "y", to put
 /// nodes inside loops.
 std::shared_ptr<DmCompound> makeInnerDef() {
-    auto def = DmCompound::createCompound("inner", makeLogger());
-    def->initialize();
+    auto def = DmCompound::createCompound("inner");
     def->addPortDescription(input("x", DmLibrary::getIntType()), kFailOnClash);
     def->addPortDescription(output("y", DmLibrary::getIntType()), kFailOnClash);
     return def;
@@ -155,11 +149,13 @@ TYPED_TEST(DmLoopingCompoundTest, FactoryResolvesTheNameWithTheFlags) {
     EXPECT_EQ(TypeParam::create("", kNameVerbatim), nullptr);
 }
 
-TYPED_TEST(DmLoopingCompoundTest, FactoryLeavesTheLoopUninitialized) {
+TYPED_TEST(DmLoopingCompoundTest, FactoryHandsOutTheLoopInitializedWithThePortsOfItsKind) {
     auto const loop = TypeParam::create("loop");
     ASSERT_NE(loop, nullptr);
-    EXPECT_EQ(loop->getSelfNode(), nullptr);
-    EXPECT_EQ(loop->getPortsInterface().size(), 0u);
+    ASSERT_NE(loopingSelfNodeOf(*loop), nullptr);
+    EXPECT_EQ(loop->getSelfNode()->getName(), "loop");
+    EXPECT_EQ(portNames(loop->getPortsInterface()), TypeParam::portsMade());
+    EXPECT_EQ(portNames(loop->getSelfNode()->getPorts()), TypeParam::portsMade());
 }
 
 TYPED_TEST(DmLoopingCompoundTest, LoopCarriesTheIconOfItsKindFromConstruction) {

@@ -12,6 +12,7 @@
 #include <KestoDM/types/DmUnknownType.h>
 
 #include "GraphTestSupport.h"
+#include "types/DmExternTypeFactory.h"
 
 #include <gtest/gtest.h>
 
@@ -683,10 +684,10 @@ TEST(DmNamespace, CollectTypesTakesTheKindsThatFilesDefine) {
     ASSERT_EQ(makeEnum("E")->setNamespace(ns.get(), kFailOnClash), DmStatus::kSuccess);
     ASSERT_EQ(std::make_shared<DmUndefinedType>("Undef")->setNamespace(ns.get(), kFailOnClash),
               DmStatus::kSuccess);
-    ASSERT_EQ(std::make_shared<DmUnknownType>(DmExternBaseType::InternalConstructor(), "Unknown")
-                  ->setNamespace(ns.get(), kFailOnClash),
-              DmStatus::kSuccess);
-    ASSERT_EQ(std::make_shared<DmUnknownStructType>(DmExternBaseType::InternalConstructor(), "UnknownStruct")
+    ASSERT_EQ(
+        Internal::ExternTypeFactory::make<DmUnknownType>("Unknown")->setNamespace(ns.get(), kFailOnClash),
+        DmStatus::kSuccess);
+    ASSERT_EQ(Internal::ExternTypeFactory::make<DmUnknownStructType>("UnknownStruct")
                   ->setNamespace(ns.get(), kFailOnClash),
               DmStatus::kSuccess);
     DmCollectList list;

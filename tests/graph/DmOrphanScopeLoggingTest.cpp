@@ -1,6 +1,7 @@
 #include <KestoDM/foundation/DmMessageLogger.h>
 #include <KestoDM/foundation/DmMessageReport.h>
 #include <KestoDM/graph/DmNamespace.h>
+#include <KestoDM/library/DmLibrary.h>
 #include <KestoDM/platform/BaMessageTypes.h>
 #include <KestoDM/types/DmStructType.h>
 
@@ -21,7 +22,7 @@ namespace {
 // whenever the full name of a type in it is worked out, also while the log
 // prints a report about that type.
 std::shared_ptr<DmStructType> typeIn(std::shared_ptr<DmNamespace> const& ns) {
-    auto type = std::make_shared<DmStructType>(DmExternBaseType::InternalConstructor(), "T");
+    auto type = DmLibrary::createStructType("T");
     EXPECT_EQ(type->setNamespace(ns.get(), kFailOnClash), DmStatus::kSuccess);
     return type;
 }

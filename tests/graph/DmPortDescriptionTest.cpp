@@ -7,11 +7,13 @@
 #include <KestoDM/graph/DmPortsInterface.h>
 #include <KestoDM/graph/DmTerminalNodeDef.h>
 #include <KestoDM/graph/DmValueNodeDef.h>
+#include <KestoDM/library/DmLibrary.h>
 #include <KestoDM/types/DmArrayType.h>
 #include <KestoDM/types/DmStructType.h>
 #include <KestoDM/types/DmUnknownStructType.h>
 
 #include "graph/ModelTestSupport.h"
+#include "types/DmExternTypeFactory.h"
 
 #include <gtest/gtest.h>
 
@@ -54,7 +56,7 @@ std::shared_ptr<DmNativeNodeDef> makeDef(std::string const& name = "op") {
 
 /// "Outer" { inner: "Inner" { x: int }, y: int }.
 std::shared_ptr<DmStructType> makeNestedStruct() {
-    auto outer = std::make_shared<DmStructType>(DmExternBaseType::InternalConstructor(), "Outer");
+    auto outer = DmLibrary::createStructType("Outer");
     outer->addMember("inner", makeStruct("Inner"));
     outer->addMember("y", DmLibrary::getIntType());
     return outer;
@@ -482,7 +484,7 @@ TEST_F(DmPortDescriptionTest, MembersOfNestedStructsAreBuiltRecursively) {
 }
 
 TEST_F(DmPortDescriptionTest, MembersOfUnknownStructTypeAreBuilt) {
-    auto const type = std::make_shared<DmUnknownStructType>(DmExternBaseType::InternalConstructor(), "U");
+    auto const type = Internal::ExternTypeFactory::make<DmUnknownStructType>("U");
     type->addMember("m", DmLibrary::getIntType());
     ASSERT_EQ(type->getTypeKind(), kTypeUnknownStruct);
     auto const p = input("p", type);

@@ -130,7 +130,7 @@ TEST_F(DmPortTest, FullNameIsNodeNameDotPortName) {
 
 TEST_F(DmPortTest, MemberFullNameFollowsPathBelowNode) {
     auto point = makePoint();
-    auto outer = std::make_shared<DmStructType>(DmExternBaseType::InternalConstructor(), "Outer");
+    auto outer = DmLibrary::createStructType("Outer");
     outer->addMember("inner", point);
     auto def = makeDef();
     def->addPortDescription(input("p", point), kFailOnClash);
@@ -363,7 +363,7 @@ TEST_F(DmPortTest, StructPortBuildsMemberPortsInOrder) {
 }
 
 TEST_F(DmPortTest, NestedStructMembersAreBuiltRecursively) {
-    auto outer = std::make_shared<DmStructType>(DmExternBaseType::InternalConstructor(), "Outer");
+    auto outer = DmLibrary::createStructType("Outer");
     outer->addMember("inner", makePoint());
     outer->addMember("count", DmLibrary::getIntType());
     auto [def, node] = nodeWith(input("o", outer));

@@ -11,6 +11,7 @@
 
 #include "GraphTestSupport.h"
 #include "library/LibraryTestSupport.h"
+#include "types/DmExternTypeFactory.h"
 
 #include <gtest/gtest.h>
 
@@ -240,7 +241,7 @@ TEST(DmTypePlacement, TypeSingletonsCannotBeTakenElsewhere) {
 
 TEST(DmTypePlacement, TypeThatNothingOwnsCannotBePlaced) {
     auto const ns = makeNamespace("ns");
-    DmStructType type(DmExternBaseType::InternalConstructor(), "T");
+    DmStructType type(Internal::ExternTypeFactory::tag(), "T");
     EXPECT_EQ(type.setNamespace(ns.get(), kFailOnClash), DmStatus::kInvalidArgument);
     EXPECT_EQ(type.getNamespace(), nullptr);
     EXPECT_TRUE(ns->getTypes().empty());
@@ -249,7 +250,7 @@ TEST(DmTypePlacement, TypeThatNothingOwnsCannotBePlaced) {
 TEST(DmTypePlacement, UnknownStructTakesItsMemberTypesAlong) {
     auto const ns = makeNamespace("ns");
     auto const member = makeStruct("M");
-    auto const type = std::make_shared<DmUnknownStructType>(DmExternBaseType::InternalConstructor(), "U");
+    auto const type = Internal::ExternTypeFactory::make<DmUnknownStructType>("U");
     ASSERT_NE(type->addMember("m", member), nullptr);
     EXPECT_EQ(type->setNamespace(ns.get(), kFailOnClash), DmStatus::kSuccess);
     EXPECT_EQ(member->getNamespace(), ns.get());

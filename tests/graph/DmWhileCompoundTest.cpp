@@ -19,7 +19,6 @@ using KestoTest::arrayOf;
 using KestoTest::input;
 using KestoTest::insideOf;
 using KestoTest::loopingSelfNodeOf;
-using KestoTest::makeLogger;
 using KestoTest::makeWhile;
 using KestoTest::output;
 using KestoTest::portNames;
@@ -28,6 +27,13 @@ using KestoTest::withRole;
 namespace {
 
 class DmWhileCompoundTest : public KestoTest::LoopTest {};
+
+/// A while loop as its constructor leaves it: not yet initialized, so
+/// without its condition.
+class BareWhile : public DmWhileCompound {
+public:
+    BareWhile() : DmWhileCompound(InternalConstructor(), "loop") {}
+};
 
 } // namespace
 
@@ -66,9 +72,21 @@ TEST_F(DmWhileCompoundTest, ConditionIsAnInputInside) {
 }
 
 TEST_F(DmWhileCompoundTest, ConditionPortIsNullBeforeInitialize) {
-    auto const loop = DmWhileCompound::createWhileCompound("loop", makeLogger());
+    auto const loop = std::make_shared<BareWhile>();
     EXPECT_EQ(loop->getLoopingConditionPort(), nullptr);
     EXPECT_EQ(loop->getPortsInterface()["looping_condition"], nullptr);
+}
+
+TEST_F(DmWhileCompoundTest, FactoryHandsOutTheLoopWithItsCondition) {
+    auto const loop = DmWhileCompound::createWhileCompound("loop");
+    ASSERT_NE(loop, nullptr);
+    auto const condition = loop->getLoopingConditionPort();
+    ASSERT_NE(condition, nullptr);
+    EXPECT_TRUE(condition->isInput());
+    EXPECT_EQ(condition->getPortDescription()->getType(), DmLibrary::getBoolType());
+    auto const outside = loop->getPortsInterface()["looping_condition"];
+    ASSERT_NE(outside, nullptr);
+    EXPECT_TRUE(outside->isOutput());
 }
 
 TEST_F(DmWhileCompoundTest, ConditionComesBeforeThePortsAddedLater) {
@@ -118,7 +136,7 @@ TEST_F(DmWhileCompoundTest, NewPortNamedAsTheConditionIsRefusedUnderFailOnClash)
 }
 
 TEST_F(DmWhileCompoundTest, ReservedNameIsRenamedEvenWhenFree) {
-    auto const loop = DmWhileCompound::createWhileCompound("loop", makeLogger());
+    auto const loop = std::make_shared<BareWhile>();
     ASSERT_EQ(loop->getPortsInterface()["looping_condition"], nullptr);
     std::string name = "looping_condition";
     loop->getUniquePortName(name);

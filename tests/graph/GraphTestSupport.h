@@ -93,17 +93,17 @@ makeNamespace(std::string const& name, std::shared_ptr<Kesto::DmMessageLogger> l
 /// A struct with one int member named `member`; two such structs are equivalent.
 inline std::shared_ptr<Kesto::DmStructType> makeStruct(std::string const& name,
                                                        std::string const& member = "x") {
-    auto type = std::make_shared<Kesto::DmStructType>(Kesto::DmExternBaseType::InternalConstructor(), name);
+    auto type = Kesto::DmLibrary::createStructType(name);
     type->addMember(member, Kesto::DmLibrary::getIntType());
     return type;
 }
 
 inline std::shared_ptr<Kesto::DmClassType> makeClass(std::string const& name) {
-    return std::make_shared<Kesto::DmClassType>(Kesto::DmExternBaseType::InternalConstructor(), name);
+    return Kesto::DmLibrary::createClassType(name);
 }
 
 inline std::shared_ptr<Kesto::DmEnumType> makeEnum(std::string const& name) {
-    auto type = std::make_shared<Kesto::DmEnumType>(Kesto::DmExternBaseType::InternalConstructor(), name);
+    auto type = Kesto::DmLibrary::createEnumType(name);
     type->addEnumeration("first");
     return type;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "graph/ModelTestSupport.h"
+#include "types/DmExternTypeFactory.h"
 
 #include <KestoDM/graph/DmCompound.h>
 #include <KestoDM/graph/DmForEachCompound.h>
@@ -49,25 +50,22 @@ protected:
 };
 
 inline std::shared_ptr<Kesto::DmWhileCompound> makeWhile(std::string const& name = "loop") {
-    auto loop = Kesto::DmWhileCompound::createWhileCompound(name, makeLogger());
-    loop->initialize();
+    auto loop = Kesto::DmWhileCompound::createWhileCompound(name);
     return loop;
 }
 
 inline std::shared_ptr<Kesto::DmIterateCompound> makeIterate(std::string const& name = "loop") {
-    auto loop = Kesto::DmIterateCompound::createIterateCompound(name, makeLogger());
-    loop->initialize();
+    auto loop = Kesto::DmIterateCompound::createIterateCompound(name);
     return loop;
 }
 
 inline std::shared_ptr<Kesto::DmForEachCompound> makeForEach(std::string const& name = "loop") {
-    auto loop = Kesto::DmForEachCompound::createForEachCompound(name, makeLogger());
-    loop->initialize();
+    auto loop = Kesto::DmForEachCompound::createForEachCompound(name);
     return loop;
 }
 
 inline std::shared_ptr<Kesto::DmUnknownType> makeUnknownType(std::string const& name) {
-    return std::make_shared<Kesto::DmUnknownType>(Kesto::DmExternBaseType::InternalConstructor(), name);
+    return Kesto::Internal::ExternTypeFactory::make<Kesto::DmUnknownType>(name);
 }
 
 /// A description with the loop role `attribute`.

@@ -24,9 +24,8 @@ using Names = std::vector<std::string>;
 
 std::shared_ptr<DmCompound> placeCompound(DmLibrary& library, std::string const& path,
                                           std::string const& name, DmNameResolutionType type = kFailOnClash) {
-    auto compound = DmCompound::createCompound(name, library.getErrorLogger());
+    auto compound = DmCompound::createCompound(name);
     EXPECT_EQ(compound->setScope(namespaceAt(library, path), type), DmStatus::kSuccess);
-    compound->initialize();
     return compound;
 }
 

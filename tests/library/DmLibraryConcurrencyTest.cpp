@@ -62,7 +62,7 @@ void useOneLibrary(StartingLine& start, std::atomic<int>& failures) {
             fail();
             continue;
         }
-        auto const type = std::make_shared<DmStructType>(DmExternBaseType::InternalConstructor(), "T");
+        auto const type = DmLibrary::createStructType("T");
         type->addMember("x", DmLibrary::getIntType());
         type->addMember("y", DmLibrary::getStringType());
         if (type->setNamespace(ns.get(), kFailOnClash) != DmStatus::kSuccess) {

@@ -16,6 +16,8 @@
 #include <KestoDM/types/DmUnknownStructType.h>
 #include <KestoDM/types/DmUnknownType.h>
 
+#include "types/DmExternTypeFactory.h"
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -26,19 +28,19 @@ using namespace Kesto;
 namespace {
 
 std::shared_ptr<DmStructType> makeStruct(std::string const& name) {
-    return std::make_shared<DmStructType>(DmExternBaseType::InternalConstructor(), name);
+    return DmLibrary::createStructType(name);
 }
 
 std::shared_ptr<DmClassType> makeClass(std::string const& name) {
-    return std::make_shared<DmClassType>(DmExternBaseType::InternalConstructor(), name);
+    return DmLibrary::createClassType(name);
 }
 
 std::shared_ptr<DmUnknownType> makeUnknown(std::string const& name) {
-    return std::make_shared<DmUnknownType>(DmExternBaseType::InternalConstructor(), name);
+    return Internal::ExternTypeFactory::make<DmUnknownType>(name);
 }
 
 std::shared_ptr<DmEnumType> makeEnum(std::string const& name) {
-    return std::make_shared<DmEnumType>(DmExternBaseType::InternalConstructor(), name);
+    return DmLibrary::createEnumType(name);
 }
 
 std::string fullNameOf(DmBaseType const& type) {
@@ -112,7 +114,7 @@ TEST(DmBaseType, UnknownTypeKindIsEighteen) {
 }
 
 TEST(DmBaseType, UnknownStructTypeKindIsNineteen) {
-    auto const type = std::make_shared<DmUnknownStructType>(DmExternBaseType::InternalConstructor(), "Shape");
+    auto const type = Internal::ExternTypeFactory::make<DmUnknownStructType>("Shape");
     EXPECT_EQ(type->getTypeKind(), 19);
 }
 

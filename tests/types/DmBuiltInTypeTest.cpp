@@ -18,6 +18,8 @@
 #include <KestoDM/types/DmUnknownStructType.h>
 #include <KestoDM/types/DmUnknownType.h>
 
+#include "types/DmExternTypeFactory.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -87,7 +89,7 @@ std::string caseName(testing::TestParamInfo<BuiltInCase> const& info) {
 }
 
 std::shared_ptr<DmStructType> makeStruct(std::string const& name) {
-    return std::make_shared<DmStructType>(DmExternBaseType::InternalConstructor(), name);
+    return DmLibrary::createStructType(name);
 }
 
 bool isMarkedBuiltIn(DmBaseType const& type) {
@@ -186,22 +188,22 @@ TEST(DmBuiltInType, StructIsNotADmBuiltInType) {
 }
 
 TEST(DmBuiltInType, UnknownStructIsNotADmBuiltInType) {
-    auto const type = std::make_shared<DmUnknownStructType>(DmExternBaseType::InternalConstructor(), "Shape");
+    auto const type = Internal::ExternTypeFactory::make<DmUnknownStructType>("Shape");
     EXPECT_FALSE(isMarkedBuiltIn(*type));
 }
 
 TEST(DmBuiltInType, EnumIsNotADmBuiltInType) {
-    auto const type = std::make_shared<DmEnumType>(DmExternBaseType::InternalConstructor(), "Color");
+    auto const type = DmLibrary::createEnumType("Color");
     EXPECT_FALSE(isMarkedBuiltIn(*type));
 }
 
 TEST(DmBuiltInType, ClassIsNotADmBuiltInType) {
-    auto const type = std::make_shared<DmClassType>(DmExternBaseType::InternalConstructor(), "Widget");
+    auto const type = DmLibrary::createClassType("Widget");
     EXPECT_FALSE(isMarkedBuiltIn(*type));
 }
 
 TEST(DmBuiltInType, UnknownIsNotADmBuiltInType) {
-    auto const type = std::make_shared<DmUnknownType>(DmExternBaseType::InternalConstructor(), "Mystery");
+    auto const type = Internal::ExternTypeFactory::make<DmUnknownType>("Mystery");
     EXPECT_FALSE(isMarkedBuiltIn(*type));
 }
 

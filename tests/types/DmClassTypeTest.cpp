@@ -1,4 +1,5 @@
 #include <KestoDM/foundation/DmMessageLogger.h>
+#include <KestoDM/library/DmLibrary.h>
 #include <KestoDM/platform/BaContext.h>
 #include <KestoDM/platform/BaSharedLibraryManager.h>
 #include <KestoDM/platform/DefaultClassFunction.h>
@@ -28,7 +29,7 @@ using namespace Kesto;
 namespace {
 
 std::shared_ptr<DmClassType> makeWidgetType() {
-    return std::make_shared<DmClassType>(DmExternBaseType::InternalConstructor(), "Widget");
+    return DmLibrary::createClassType("Widget");
 }
 
 } // namespace

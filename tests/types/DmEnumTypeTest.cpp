@@ -1,4 +1,5 @@
 // Enum types: unique keys with unique integers, in order of addition.
+#include <KestoDM/library/DmLibrary.h>
 #include <KestoDM/platform/RttiTable.h>
 #include <KestoDM/platform/RuntimeTypeInfo.h>
 #include <KestoDM/platform/String.h>
@@ -22,7 +23,7 @@ using namespace Kesto;
 namespace {
 
 std::shared_ptr<DmEnumType> makeEnum(std::string const& name) {
-    return std::make_shared<DmEnumType>(DmExternBaseType::InternalConstructor(), name);
+    return DmLibrary::createEnumType(name);
 }
 
 /// The enumerations in order, as (key, integer) pairs.
@@ -337,7 +338,7 @@ TEST(DmEnumType, RuntimeTypeInfoIsTheSameRecordOnEveryCall) {
 }
 
 TEST(DmEnumType, AddEnumerationAfterTheLargestIntIsRefused) {
-    auto const type = std::make_shared<DmEnumType>(DmExternBaseType::InternalConstructor(), "Edge");
+    auto const type = DmLibrary::createEnumType("Edge");
     ASSERT_TRUE(type->addEnumeration(String("last"), std::numeric_limits<int>::max()));
     EXPECT_FALSE(type->addEnumeration(String("next")));
     EXPECT_EQ(type->size(), 1u);

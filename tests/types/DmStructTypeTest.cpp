@@ -13,6 +13,8 @@
 #include <KestoDM/types/DmTypeKind.h>
 #include <KestoDM/types/DmUnknownType.h>
 
+#include "types/DmExternTypeFactory.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -27,7 +29,7 @@ namespace {
 using MemberPtr = std::shared_ptr<DmStructType::Member>;
 
 std::shared_ptr<DmStructType> makeStruct(std::string const& name) {
-    return std::make_shared<DmStructType>(DmExternBaseType::InternalConstructor(), name);
+    return DmLibrary::createStructType(name);
 }
 
 std::vector<std::string> memberNames(DmStructType const& type) {
@@ -428,15 +430,13 @@ TEST(DmStructType, StructOfBuiltInsIsFullyResolved) {
 TEST(DmStructType, StructWithAnUnknownMemberIsNotFullyResolved) {
     auto const type = makeStruct("Point");
     type->addMember("x", DmLibrary::getIntType());
-    type->addMember("mystery",
-                    std::make_shared<DmUnknownType>(DmExternBaseType::InternalConstructor(), "Mystery"));
+    type->addMember("mystery", Internal::ExternTypeFactory::make<DmUnknownType>("Mystery"));
     EXPECT_FALSE(type->isFullyResolved());
 }
 
 TEST(DmStructType, StructWithAStructMemberHoldingAnUnknownIsNotFullyResolved) {
     auto const inner = makeStruct("Inner");
-    inner->addMember("mystery",
-                     std::make_shared<DmUnknownType>(DmExternBaseType::InternalConstructor(), "Mystery"));
+    inner->addMember("mystery", Internal::ExternTypeFactory::make<DmUnknownType>("Mystery"));
     auto const outer = makeStruct("Outer");
     outer->addMember("inner", inner);
     EXPECT_FALSE(outer->isFullyResolved());

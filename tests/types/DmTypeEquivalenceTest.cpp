@@ -13,6 +13,8 @@
 #include <KestoDM/types/DmUnknownStructType.h>
 #include <KestoDM/types/DmUnknownType.h>
 
+#include "types/DmExternTypeFactory.h"
+
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -30,7 +32,7 @@ namespace {
 using TypePtr = std::shared_ptr<DmBaseType const>;
 
 std::shared_ptr<DmStructType> makeStruct(std::string const& name) {
-    return std::make_shared<DmStructType>(DmExternBaseType::InternalConstructor(), name);
+    return DmLibrary::createStructType(name);
 }
 
 /// A struct with the given members, in order.
@@ -46,7 +48,7 @@ std::shared_ptr<DmStructType> makeStruct(std::string const& name,
 /// An enum with the given keys and integers, in order.
 std::shared_ptr<DmEnumType> makeEnum(std::string const& name,
                                      std::initializer_list<std::pair<char const*, int>> entries) {
-    auto type = std::make_shared<DmEnumType>(DmExternBaseType::InternalConstructor(), name);
+    auto type = DmLibrary::createEnumType(name);
     for (auto const& entry : entries) {
         type->addEnumeration(entry.first, entry.second);
     }
@@ -54,11 +56,11 @@ std::shared_ptr<DmEnumType> makeEnum(std::string const& name,
 }
 
 std::shared_ptr<DmClassType> makeClass(std::string const& name) {
-    return std::make_shared<DmClassType>(DmExternBaseType::InternalConstructor(), name);
+    return DmLibrary::createClassType(name);
 }
 
 std::shared_ptr<DmUnknownType> makeUnknown(std::string const& name) {
-    return std::make_shared<DmUnknownType>(DmExternBaseType::InternalConstructor(), name);
+    return Internal::ExternTypeFactory::make<DmUnknownType>(name);
 }
 
 std::shared_ptr<DmArrayType> arrayOf(TypePtr element) {
@@ -107,7 +109,7 @@ std::vector<TypePtr> oneTypeOfEachKind() {
         makeEnum("Color", {{"red", 0}}),
         std::make_shared<DmUndefinedType>("Missing"),
         makeUnknown("Mystery"),
-        std::make_shared<DmUnknownStructType>(DmExternBaseType::InternalConstructor(), "Shape"),
+        Internal::ExternTypeFactory::make<DmUnknownStructType>("Shape"),
         DmLibrary::getAutoType(),
     };
 }
@@ -149,8 +151,7 @@ TEST(DmTypeEquivalent, IntIsNotEquivalentToUInt) {
 
 TEST(DmTypeEquivalent, StructIsNotEquivalentToAnUnknownStructOfTheSameMembers) {
     auto const known = makeStruct("Shape", {{"x", intType()}});
-    auto const unknown =
-        std::make_shared<DmUnknownStructType>(DmExternBaseType::InternalConstructor(), "Shape");
+    auto const unknown = Internal::ExternTypeFactory::make<DmUnknownStructType>("Shape");
     unknown->addMember("x", intType());
     EXPECT_FALSE(DmBaseType::equivalent(*known, *unknown));
 }

@@ -12,6 +12,8 @@
 #include <KestoDM/types/DmUnknownStructType.h>
 #include <KestoDM/types/DmUnknownType.h>
 
+#include "types/DmExternTypeFactory.h"
+
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -22,11 +24,11 @@ using namespace Kesto;
 namespace {
 
 std::shared_ptr<DmUnknownType> makeUnknown(std::string const& name) {
-    return std::make_shared<DmUnknownType>(DmExternBaseType::InternalConstructor(), name);
+    return Internal::ExternTypeFactory::make<DmUnknownType>(name);
 }
 
 std::shared_ptr<DmUnknownStructType> makeUnknownStruct(std::string const& name) {
-    return std::make_shared<DmUnknownStructType>(DmExternBaseType::InternalConstructor(), name);
+    return Internal::ExternTypeFactory::make<DmUnknownStructType>(name);
 }
 
 } // namespace

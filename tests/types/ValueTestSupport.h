@@ -4,6 +4,7 @@
 #pragma once
 
 #include <KestoDM/foundation/DmInstanceCounter.h>
+#include <KestoDM/library/DmLibrary.h>
 #include <KestoDM/platform/String.h>
 #include <KestoDM/types/DmArrayType.h>
 #include <KestoDM/types/DmArrayValue.h>
@@ -18,6 +19,7 @@
 #include <KestoDM/types/DmUnknownStructType.h>
 #include <KestoDM/types/DmUnknownType.h>
 
+#include "types/DmExternTypeFactory.h"
 #include "types/DmTypeSingletons.h"
 
 #include <gtest/gtest.h>
@@ -109,7 +111,7 @@ std::shared_ptr<ValueClass> as(std::shared_ptr<DmBaseValue> const& value) {
 inline std::shared_ptr<DmStructType>
 makeStructType(std::string const& name, std::initializer_list<std::pair<std::string, TypeConstPtr>> members,
                std::string const& mangledName = std::string()) {
-    auto type = std::make_shared<DmStructType>(DmExternBaseType::InternalConstructor(), name);
+    auto type = DmLibrary::createStructType(name);
     for (auto const& member : members) {
         type->addMember(member.first, member.second);
     }
@@ -124,7 +126,7 @@ makeStructType(std::string const& name, std::initializer_list<std::pair<std::str
 inline std::shared_ptr<DmUnknownStructType>
 makeUnknownStructType(std::string const& name,
                       std::initializer_list<std::pair<std::string, TypeConstPtr>> members) {
-    auto type = std::make_shared<DmUnknownStructType>(DmExternBaseType::InternalConstructor(), name);
+    auto type = Internal::ExternTypeFactory::make<DmUnknownStructType>(name);
     for (auto const& member : members) {
         type->addMember(member.first, member.second);
     }
@@ -136,7 +138,7 @@ makeUnknownStructType(std::string const& name,
 inline std::shared_ptr<DmEnumType> makeEnumType(std::string const& name,
                                                 std::initializer_list<std::pair<char const*, int>> keys,
                                                 std::string const& mangledName = std::string()) {
-    auto type = std::make_shared<DmEnumType>(DmExternBaseType::InternalConstructor(), name);
+    auto type = DmLibrary::createEnumType(name);
     for (auto const& key : keys) {
         type->addEnumeration(String(key.first), key.second);
     }
@@ -150,7 +152,7 @@ inline std::shared_ptr<DmEnumType> makeEnumType(std::string const& name,
 /// object is null and it has no run-time record.
 inline std::shared_ptr<DmClassType> makeClassType(std::string const& name,
                                                   std::string const& mangledName = std::string()) {
-    auto type = std::make_shared<DmClassType>(DmExternBaseType::InternalConstructor(), name);
+    auto type = DmLibrary::createClassType(name);
     if (!mangledName.empty()) {
         type->setTypeNameMangleName(DmMangledName(std::string(), mangledName));
     }
@@ -162,7 +164,7 @@ inline std::shared_ptr<DmArrayType> makeArrayType(TypeConstPtr element) {
 }
 
 inline std::shared_ptr<DmUnknownType> makeUnknownType(std::string const& name) {
-    return std::make_shared<DmUnknownType>(DmExternBaseType::InternalConstructor(), name);
+    return Internal::ExternTypeFactory::make<DmUnknownType>(name);
 }
 
 /// One live T in storage of its own, and a byte pointer at it that shares the

@@ -33,7 +33,9 @@ class DmPort;
 /// the self node. The compound owns its nodes, its connections and its self
 /// node; they know it by plain pointers.
 ///
-/// Made by createCompound, then initialize()d once, before ports are added.
+/// Made by createCompound, which hands it out initialized (its self node made)
+/// and ready for ports. It reports to the log of its library (setLibrary);
+/// without a library its refusals are told by their results alone.
 class KESTODM_API DmCompound : public DmOverload, public DmScope, public DmInstanceCounter<DmCompound> {
 protected:
     struct InternalConstructor {
@@ -63,18 +65,18 @@ public:
 
     /// @name Construction
     /// @{
-    /// A new compound, null when `flags` refuse the name. `logger` receives
-    /// the diagnostics of the compound as a scope; connection failures go to
-    /// the library's logger when the compound has a library.
+    /// A new compound, initialized and without ports; null when `flags`
+    /// refuse the name. Placed in a scope where an overload set of its name
+    /// exists (kAsOverload), it starts from the set's interface.
     static std::shared_ptr<DmCompound> createCompound(std::string const& name,
-                                                      std::shared_ptr<DmMessageLogger> logger,
                                                       DmNameResolveFlags flags = kNameVerbatim);
 
-    DmCompound(InternalConstructor, std::string name, std::shared_ptr<DmMessageLogger> logger);
+    DmCompound(InternalConstructor, std::string name);
     DmCompound(DmCompound const&) = delete;
     ~DmCompound() override;
 
-    /// Makes the self node, named as the compound, and initializeFromSelf.
+    /// Makes the self node, named as the compound, and initializeFromSelf;
+    /// nothing when there is one. The factories call it.
     virtual void initialize();
     /// Takes `selfNode` as the self node. An overload of a set starts from the
     /// set's interface: its ports are cloned in first. Then the self node
@@ -91,8 +93,12 @@ public:
     std::string const& getLocalScopeName() const override { return getName(); }
     /// Renames the compound, then its self node to match.
     bool setName(std::string const& name, DmNameResolutionType type, DmNameResolveFlags flags) override;
-    /// Places the compound as a definition; as a scope it nests where it is registered.
+    /// Places the compound as a definition; as a scope it nests where it is
+    /// registered. Joining a set as an initialized overload without ports
+    /// of its own, it takes the set's ports first (see initializeFromSelf).
     DmStatus setScope(DmScope* scope, DmNameResolutionType type) override;
+    /// The library's logger; null without a library.
+    std::shared_ptr<DmMessageLogger> getLogger() const override;
     /// Sets the URI here and on every compound nested in this one.
     void setURI(std::shared_ptr<DmURI> const& uri) override;
     bool isPromoter() const override;
@@ -197,6 +203,14 @@ protected:
 
 private:
     friend class DmNode;
+    friend class DmOverloadSet;
+
+    /// Adds clones of the ports of `set`'s interface that the compound lacks.
+    void takeSetInterface(DmOverloadSet const& set);
+    /// Called by `set` as the compound joins it, before the interfaces are
+    /// compared: an initialized compound with no ports but those it makes
+    /// itself (a loop's reserved ones) takes the set's interface.
+    void joinSet(DmOverloadSet const& set);
 
     /// Re-keys the node `oldName` after its rename, in place.
     bool renameNode(std::string const& oldName, std::string const& newName);

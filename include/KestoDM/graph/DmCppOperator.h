@@ -28,7 +28,8 @@ class DmPortDescription;
 /// overload set alone: the lock is read and written on the owner, and a
 /// detached operator reads as unlocked.
 ///
-/// Made by createCppOperator, usually by the reader of graph files.
+/// Made by createCppOperator: by the reader of graph files, or by a host
+/// that declares the operators of its native code.
 class KESTODM_API DmCppOperator : public DmExternOperator,
                                   public DmExternSymbol,
                                   public DmInstanceCounter<DmCppOperator> {
@@ -40,10 +41,14 @@ public:
 
     /// @name Construction
     /// @{
-    /// A new operator, null when `flags` refuse the name.
+    /// A new operator saved with no pack, null when `flags` refuse the name.
     static std::shared_ptr<DmCppOperator> createCppOperator(std::string const& name,
                                                             CancellationPolicy cancellationPolicy,
-                                                            std::string const& packName = std::string(),
+                                                            DmNameResolveFlags flags = kNameVerbatim);
+    /// A new operator saved with the pack `packName`, null when `flags` refuse the name.
+    static std::shared_ptr<DmCppOperator> createCppOperator(std::string const& name,
+                                                            CancellationPolicy cancellationPolicy,
+                                                            std::string const& packName,
                                                             DmNameResolveFlags flags = kNameVerbatim);
 
     DmCppOperator(InternalConstructor, std::string name, CancellationPolicy cancellationPolicy,

@@ -10,26 +10,24 @@
 
 namespace Kesto {
 
-class DmMessageLogger;
-
 /// A loop over the elements of arrays. Its outputs are arrays gathered over
 /// the iterations, so every output is a target (kIterationTarget) and shows
 /// inside with the element type. An in-out pair joins an input array that
 /// the loop reads with the output array it writes.
 ///
-/// Made by createForEachCompound, then initialize()d once, before ports are added.
+/// Made by createForEachCompound, initialized and ready for ports.
 class KESTODM_API DmForEachCompound : public DmLoopingCompound, public DmInstanceCounter<DmForEachCompound> {
 public:
     static constexpr char const kIcon[] = "../icons/LoopForEach.svg";
 
     /// @name Construction
     /// @{
-    /// A new for-each loop, null when `flags` refuse the name. Not yet initialized.
+    /// A new for-each loop, initialized and without ports; null when `flags`
+    /// refuse the name.
     static std::shared_ptr<DmForEachCompound> createForEachCompound(std::string const& name,
-                                                                    std::shared_ptr<DmMessageLogger> logger,
                                                                     DmNameResolveFlags flags = kNameVerbatim);
 
-    DmForEachCompound(InternalConstructor, std::string name, std::shared_ptr<DmMessageLogger> logger);
+    DmForEachCompound(InternalConstructor, std::string name);
     ~DmForEachCompound() override;
 
     /// A new, initialized and empty for-each loop of the same name.

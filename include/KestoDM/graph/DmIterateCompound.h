@@ -10,26 +10,24 @@
 
 namespace Kesto {
 
-class DmMessageLogger;
-
 /// A counted loop, which may also run over arrays: its limit and counter
 /// ports carry kIterationLimit and kIterationCounter, its arrays
 /// kIterationTarget. A state pair joins two targets or two ports that are
 /// no targets, never one of each.
 ///
-/// Made by createIterateCompound, then initialize()d once, before ports are added.
+/// Made by createIterateCompound, initialized and ready for ports.
 class KESTODM_API DmIterateCompound : public DmLoopingCompound, public DmInstanceCounter<DmIterateCompound> {
 public:
     static constexpr char const kIcon[] = "../icons/LoopIterate.svg";
 
     /// @name Construction
     /// @{
-    /// A new iterate loop, null when `flags` refuse the name. Not yet initialized.
+    /// A new iterate loop, initialized and without ports; null when `flags`
+    /// refuse the name.
     static std::shared_ptr<DmIterateCompound> createIterateCompound(std::string const& name,
-                                                                    std::shared_ptr<DmMessageLogger> logger,
                                                                     DmNameResolveFlags flags = kNameVerbatim);
 
-    DmIterateCompound(InternalConstructor, std::string name, std::shared_ptr<DmMessageLogger> logger);
+    DmIterateCompound(InternalConstructor, std::string name);
     ~DmIterateCompound() override;
 
     /// A new, initialized and empty iterate loop of the same name.

@@ -10,8 +10,6 @@
 
 namespace Kesto {
 
-class DmMessageLogger;
-
 /// A compound whose inside runs repeatedly: the common base of the while,
 /// iterate and for-each loops (DmWhileCompound, DmIterateCompound,
 /// DmForEachCompound). The model holds the port rules of a loop only;
@@ -23,8 +21,8 @@ class DmMessageLogger;
 /// iterates over (kIterationTarget) is seen from the inside one element at a
 /// time: its self node port has the array's element type.
 ///
-/// Loops are made by the factories of the derived classes and initialize()d
-/// once, before ports are added. Each kind carries its icon in its metadata
+/// Loops are made by the factories of the derived classes, which hand them
+/// out initialized and ready for ports. Each kind carries its icon in its metadata
 /// under "icon".
 class KESTODM_API DmLoopingCompound : public DmCompound, public DmInstanceCounter<DmLoopingCompound> {
 public:
@@ -52,8 +50,7 @@ public:
 
 protected:
     /// `iconFile` is the file name of the kind's icon in "../icons/".
-    DmLoopingCompound(InternalConstructor, std::string name, std::shared_ptr<DmMessageLogger> logger,
-                      std::string const& iconFile);
+    DmLoopingCompound(InternalConstructor, std::string name, std::string const& iconFile);
 
     /// The description of the self node's port `name`, or null.
     DmPortDescription* findSelfPortDescription(std::string const& name) const;

@@ -112,7 +112,9 @@ public:
     static void resolveLocalNameAndScope(std::string const& fullName, std::string& scope, std::string& local);
     /// @}
 
-    std::shared_ptr<DmMessageLogger> const& getLogger() const noexcept { return m_logger; }
+    /// The logger that receives the scope's diagnostics, or null. A compound
+    /// reports to its library's.
+    virtual std::shared_ptr<DmMessageLogger> getLogger() const;
 
     virtual ~DmScope();
 

@@ -10,7 +10,6 @@
 
 namespace Kesto {
 
-class DmMessageLogger;
 class DmPort;
 
 /// A loop that runs while its condition holds: the bool output
@@ -19,7 +18,7 @@ class DmPort;
 /// and another port so named is renamed. A while runs over no array, so its
 /// self node never shows an output target.
 ///
-/// Made by createWhileCompound, then initialize()d once, before ports are added.
+/// Made by createWhileCompound, initialized and ready for ports.
 class KESTODM_API DmWhileCompound : public DmLoopingCompound, public DmInstanceCounter<DmWhileCompound> {
 public:
     static constexpr char const kIcon[] = "../icons/LoopDo_While.svg";
@@ -27,12 +26,12 @@ public:
 
     /// @name Construction
     /// @{
-    /// A new while loop, null when `flags` refuse the name. Not yet initialized.
+    /// A new while loop, initialized, with its condition output as its only
+    /// port; null when `flags` refuse the name.
     static std::shared_ptr<DmWhileCompound> createWhileCompound(std::string const& name,
-                                                                std::shared_ptr<DmMessageLogger> logger,
                                                                 DmNameResolveFlags flags = kNameVerbatim);
 
-    DmWhileCompound(InternalConstructor, std::string name, std::shared_ptr<DmMessageLogger> logger);
+    DmWhileCompound(InternalConstructor, std::string name);
     ~DmWhileCompound() override;
 
     /// Makes the condition output, then the looping self node.

@@ -36,6 +36,7 @@ class DmCharType;
 class DmClassType;
 class DmCompound;
 class DmDoubleType;
+class DmEnumType;
 class DmFloatType;
 class DmGlobalVariable;
 class DmIntType;
@@ -46,6 +47,7 @@ class SerializationData;
 class DmNodeDef;
 class DmSelector;
 class DmShortType;
+class DmStructType;
 class DmStringType;
 class DmUCharType;
 class DmUIntType;
@@ -179,6 +181,20 @@ public:
     /// `withReserved`, the reserved ones. A full name met twice keeps the first.
     TypeMap getTypes(bool withReserved) const;
     ConstTypeMap getConstTypes(bool withReserved) const;
+    /// @}
+
+    /// @name Type factories
+    /// New, empty types for a host to define, in no namespace: place one with
+    /// DmBaseType::setNamespace (resolution kFailOnClash), then look it up by
+    /// its full name like any type of the library. Null for the empty name.
+    /// @{
+    /// A struct without members; add them with DmStructType::addMember.
+    static std::shared_ptr<DmStructType> createStructType(std::string const& name);
+    /// An enum without keys; add them with DmEnumType::addEnumeration.
+    static std::shared_ptr<DmEnumType> createEnumType(std::string const& name);
+    /// A class without a mangled name or serializer; give it those with
+    /// setTypeNameMangleName and DmClassType::setCppClassInfo.
+    static std::shared_ptr<DmClassType> createClassType(std::string const& name);
     /// @}
 
     /// @name Other content

@@ -8,13 +8,22 @@
 
 namespace Kesto {
 
+namespace Internal {
+struct ExternTypeFactory;
+}
+
 /// Base of the composite types that files and native libraries define. A
 /// datum of an extern type takes the room of one shared pointer (16 bytes).
+///
+/// Hosts make struct, enum and class types with DmLibrary::createStructType,
+/// createEnumType and createClassType; the library makes the others.
 class KESTODM_API DmExternBaseType : public DmBaseType, public DmInstanceCounter<DmExternBaseType> {
 public:
-    /// Passed by the library, the reader and the library's own factories to make
-    /// extern types; hosts reach types through namespaces instead.
-    struct InternalConstructor {
+    /// The first argument of the extern types' constructors. Anyone may name
+    /// it, so that the subclasses can take it; only the library's own type
+    /// factory can make one.
+    class InternalConstructor {
+        friend struct Internal::ExternTypeFactory;
         explicit InternalConstructor() = default;
     };
 
@@ -30,6 +39,8 @@ protected:
     DmExternBaseType(std::string name, DmTypeKind kind);
 
 private:
+    friend struct Internal::ExternTypeFactory;
+
     std::string m_packName;
 };
 
