@@ -102,6 +102,7 @@
 #include <KestoDM/graph/DmWhileCompound.h>
 
 #include <KestoDM/library/DmLibrary.h>
+#include <KestoDM/library/DmUnknownDefinitionsSupport.h>
 
 #include <KestoDM/assets/DmAssetReference.h>
 #include <KestoDM/assets/DmAssetResolver.h>

@@ -29,6 +29,27 @@
 
 namespace Kesto::Internal {
 
+// A number out of its type's range is only a warning, but the value keeps
+// what it had: it is not clamped.
+bool checkLiteral(DmMessageLogger& logger, LiteralResult result, std::string_view text,
+                  std::string const& location) {
+    switch (result) {
+    case LiteralResult::kOk:
+        return true;
+    case LiteralResult::kOutOfRange:
+        logger.reportMessage(std::make_shared<DmMessageReport>(
+            BaMessageTypes::kMessageWarning, location, "Out-of-range value.",
+            "The value '" + std::string(text) + "' is out-of-range."));
+        return false;
+    case LiteralResult::kBadlyFormed:
+        break;
+    }
+    logger.reportMessage(
+        std::make_shared<DmMessageReport>(BaMessageTypes::kMessageError, location, "Badly formed value.",
+                                          "The value '" + std::string(text) + "' is not a valid value."));
+    return false;
+}
+
 namespace {
 
 char const* const kValueLocation = "<value>";
@@ -63,28 +84,11 @@ bool expectForm(DmMessageLogger& logger, bool isForm, char const* wanted, DmBase
 }
 
 bool reportBadlyFormed(DmMessageLogger& logger, std::string_view text) {
-    reportValueError(logger, "Badly formed value.",
-                     "The value '" + std::string(text) + "' is not a valid value.");
-    return false;
-}
-
-/// The value keeps what it had: a number out of its type's range is not clamped.
-bool reportOutOfRange(DmMessageLogger& logger, std::string_view text) {
-    report(logger, BaMessageTypes::kMessageWarning, kValueLocation, "Out-of-range value.",
-           "The value '" + std::string(text) + "' is out-of-range.");
-    return false;
+    return checkLiteral(logger, LiteralResult::kBadlyFormed, text, kValueLocation);
 }
 
 bool literalRead(DmMessageLogger& logger, LiteralResult result, std::string_view text) {
-    switch (result) {
-    case LiteralResult::kOk:
-        return true;
-    case LiteralResult::kOutOfRange:
-        return reportOutOfRange(logger, text);
-    case LiteralResult::kBadlyFormed:
-        break;
-    }
-    return reportBadlyFormed(logger, text);
+    return checkLiteral(logger, result, text, kValueLocation);
 }
 
 /// The value as the built-in value of T that its kind promises.

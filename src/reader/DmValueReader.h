@@ -2,9 +2,12 @@
 
 #include <KestoDM/platform/DmExport.h>
 
+#include "reader/DmLiteralText.h"
 #include "reader/DmRapidJson.h"
 
 #include <memory>
+#include <string>
+#include <string_view>
 
 namespace Kesto {
 
@@ -19,6 +22,11 @@ namespace Internal {
 /// `logger`, when the node does not read as such a value.
 KESTODM_API bool readValue(DmMessageLogger& logger, rapidjson::Value const& node,
                            std::shared_ptr<DmBaseValue> const& value);
+
+/// True for kOk; else reports `text` as badly formed (an error) or out of
+/// range (a warning) about `location`, and gives false.
+KESTODM_API bool checkLiteral(DmMessageLogger& logger, LiteralResult result, std::string_view text,
+                              std::string const& location);
 
 /// Builds the serialization data of a class value from `node`: objects become
 /// composite data, strings literal data, arrays sequences. False, reported,

@@ -13,6 +13,7 @@
 #include <KestoDM/types/DmMetadataItem.h>
 
 #include "reader/DmLiteralText.h"
+#include "reader/DmValueReader.h"
 
 #include <climits>
 #include <utility>
@@ -32,27 +33,15 @@ bool endsWithEither(std::string_view text, char lower, char upper) noexcept {
     return !text.empty() && (text.back() == lower || text.back() == upper);
 }
 
-/// A metadata value from its text, or null with the reason reported by `fail`.
-template <class Fail>
-std::shared_ptr<DmMetadataItem> makeItem(std::string name, std::string_view type, std::string_view text,
-                                         Fail const& fail) {
-    auto literalFailure = [&](LiteralResult result) {
-        if (result == LiteralResult::kOutOfRange) {
-            fail(BaMessageTypes::kMessageWarning, "Out-of-range value.",
-                 "The value '" + std::string(text) + "' is out-of-range.");
-        } else {
-            fail(BaMessageTypes::kMessageError, "Badly formed value.",
-                 "The value '" + std::string(text) + "' is not a valid value.");
-        }
-        return nullptr;
-    };
+/// A metadata value from its text, or null with the reason reported about `location`.
+std::shared_ptr<DmMetadataItem> makeItem(DmMessageLogger& logger, std::string const& location,
+                                         std::string name, std::string_view type, std::string_view text) {
     if (type.empty()) {
         // No type: the text's own form decides.
         if (endsWithEither(text, 'f', 'F')) {
             float number = 0;
-            LiteralResult const result = parseFloatLiteral(text, number);
-            if (result != LiteralResult::kOk) {
-                return literalFailure(result);
+            if (!checkLiteral(logger, parseFloatLiteral(text, number), text, location)) {
+                return nullptr;
             }
             auto value = std::make_shared<DmFloatValue>();
             value->setData(number);
@@ -60,9 +49,8 @@ std::shared_ptr<DmMetadataItem> makeItem(std::string name, std::string_view type
         }
         if (endsWithEither(text, 'l', 'L')) {
             long long number = 0;
-            LiteralResult const result = parseSignedLiteral(text, INT_MIN, INT_MAX, number);
-            if (result != LiteralResult::kOk) {
-                return literalFailure(result);
+            if (!checkLiteral(logger, parseSignedLiteral(text, INT_MIN, INT_MAX, number), text, location)) {
+                return nullptr;
             }
             auto value = std::make_shared<DmIntValue>();
             value->setData(static_cast<int>(number));
@@ -71,8 +59,9 @@ std::shared_ptr<DmMetadataItem> makeItem(std::string name, std::string_view type
         if (text == JsonFormat::kTrue || text == JsonFormat::kFalse) {
             return std::make_shared<DmMetadataItem>(std::move(name), text == JsonFormat::kTrue);
         }
-        fail(BaMessageTypes::kMessageError, "Unknown value.",
-             "The type of the value '" + std::string(text) + "' is unknown.");
+        logger.reportMessage(std::make_shared<DmMessageReport>(
+            BaMessageTypes::kMessageError, location, "Unknown value.",
+            "The type of the value '" + std::string(text) + "' is unknown."));
         return nullptr;
     }
     if (type == JsonFormat::MetaType::kString) {
@@ -80,26 +69,25 @@ std::shared_ptr<DmMetadataItem> makeItem(std::string name, std::string_view type
     }
     if (type == JsonFormat::MetaType::kLong) {
         long long number = 0;
-        LiteralResult const result = parseSignedLiteral(text, LLONG_MIN, LLONG_MAX, number);
-        if (result != LiteralResult::kOk) {
-            return literalFailure(result);
+        if (!checkLiteral(logger, parseSignedLiteral(text, LLONG_MIN, LLONG_MAX, number), text, location)) {
+            return nullptr;
         }
         return std::make_shared<DmMetadataItem>(std::move(name), static_cast<std::int64_t>(number));
     }
     if (type == JsonFormat::MetaType::kDouble) {
         double number = 0;
-        LiteralResult const result = parseDoubleLiteral(text, number);
-        if (result != LiteralResult::kOk) {
-            return literalFailure(result);
+        if (!checkLiteral(logger, parseDoubleLiteral(text, number), text, location)) {
+            return nullptr;
         }
         return std::make_shared<DmMetadataItem>(std::move(name), number);
     }
     if (type == JsonFormat::MetaType::kBool) {
         return std::make_shared<DmMetadataItem>(std::move(name), JsonFormat::isTrueText(text));
     }
-    fail(BaMessageTypes::kMessageError, "Unsupported metadata type.",
-         "The metadata type '" + std::string(type) + "' for literal '" + std::string(text) +
-             "' is unsupported.");
+    logger.reportMessage(std::make_shared<DmMessageReport>(
+        BaMessageTypes::kMessageError, location, "Unsupported metadata type.",
+        "The metadata type '" + std::string(type) + "' for literal '" + std::string(text) +
+            "' is unsupported."));
     return nullptr;
 }
 
@@ -131,11 +119,15 @@ bool JsonReader::booleanOf(Value const& object, std::string_view key, bool* pres
     return JsonFormat::isTrueText(text);
 }
 
+std::string JsonReader::location() const {
+    return m_context.uri ? m_context.uri->getName() : "<json>";
+}
+
 void JsonReader::report(int category, std::string title, std::string description) const {
     if (m_context.logger) {
-        m_context.logger->reportMessage(std::make_shared<DmMessageReport>(
-            static_cast<BaMessageTypes::MessageCategory>(category),
-            m_context.uri ? m_context.uri->getName() : "<json>", std::move(title), std::move(description)));
+        m_context.logger->reportMessage(
+            std::make_shared<DmMessageReport>(static_cast<BaMessageTypes::MessageCategory>(category),
+                                              location(), std::move(title), std::move(description)));
     }
 }
 
@@ -272,10 +264,10 @@ void JsonReader::readMetadataItem(Value const& object) {
     if (text.empty()) {
         item = std::make_shared<DmMetadataItem>(std::string(name));
     } else {
-        item = makeItem(std::string(name), type, text,
-                        [this](int category, std::string title, std::string description) {
-                            report(category, std::move(title), std::move(description));
-                        });
+        if (!m_context.logger) {
+            return;
+        }
+        item = makeItem(*m_context.logger, location(), std::string(name), type, text);
         if (!item) {
             return;
         }

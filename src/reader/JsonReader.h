@@ -123,6 +123,8 @@ private:
 
     /// @name Messages
     /// @{
+    /// What the reader's messages are about: the file's URI.
+    std::string location() const;
     void report(int category, std::string title, std::string description) const;
     void reportBadlyFormed() const;
     /// @}
