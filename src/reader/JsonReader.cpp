@@ -1,5 +1,7 @@
 #include "reader/JsonReader.h"
 
+#include <KestoDM/assets/DmAssetReference.h>
+#include <KestoDM/assets/DmAssetResolverContext.h>
 #include <KestoDM/assets/DmURI.h>
 #include <KestoDM/foundation/DmMessageLogger.h>
 #include <KestoDM/foundation/DmMessageReport.h>
@@ -7,6 +9,7 @@
 #include <KestoDM/graph/DmExternOperator.h>
 #include <KestoDM/graph/DmNodeDef.h>
 #include <KestoDM/graph/DmTerminalNodeDef.h>
+#include <KestoDM/library/DmLibrary.h>
 #include <KestoDM/types/DmBaseType.h>
 #include <KestoDM/types/DmBuiltInValue.h>
 #include <KestoDM/types/DmMetadata.h>
@@ -14,6 +17,7 @@
 
 #include "reader/DmLiteralText.h"
 #include "reader/DmValueReader.h"
+#include "reader/JsonFileEntry.h"
 
 #include <climits>
 #include <utility>
@@ -208,12 +212,75 @@ void JsonReader::handle(Section section, Value const& object) {
             checkVersion(object);
         }
         break;
+    case JsonFormat::kDependencies:
+        if (m_pass == 1) {
+            followDependency(object);
+        }
+        break;
     case JsonFormat::kMetadata:
         readMetadataItem(object);
         break;
     default:
         break;
     }
+}
+
+void JsonReader::followDependency(Value const& object) {
+    // With placeholders for what is missing, the order of files stops
+    // mattering: each file comes in its own time.
+    if (m_context.unknownDefinitions || m_context.library == nullptr) {
+        return;
+    }
+    std::string const text(stringOf(object, JsonFormat::Key::kUri));
+    if (text.empty()) {
+        report(BaMessageTypes::kMessageWarning, "Missing uri.", "Dependency does not have a uri.");
+        return;
+    }
+    DmLibrary& library = *m_context.library;
+    std::shared_ptr<DmURI> uri = library.findURI(text);
+    std::shared_ptr<DmAssetReference> asset;
+    if (uri) {
+        asset = library.createAssetReferenceFromURI(uri);
+    } else {
+        asset = std::make_shared<DmAssetReference>(text);
+        auto const context = std::make_shared<DmAssetResolverContext>();
+        context->setRelativeAssetReference(m_context.asset);
+        context->setLibrary(library.shared_from_this());
+        library.resolveAssetReference(asset, context);
+    }
+    if (!asset || !asset->isResolved()) {
+        if (asset && asset->getResolveStatus() == DmAssetReference::kNoResolver) {
+            report(BaMessageTypes::kMessageError, "Undefined resolver scheme.",
+                   "'" + text + "' does not match a registered resolver.");
+        } else {
+            report(BaMessageTypes::kMessageError, "Resolver failed.", "'" + text + "' can not be resolved.");
+        }
+        return;
+    }
+    if (!uri) {
+        uri = library.createURIFromAssetReference(asset);
+    }
+    if (!uri) {
+        report(BaMessageTypes::kMessageError, "Resolver failed.", "'" + text + "' can not be resolved.");
+        return;
+    }
+    if (m_context.uri) {
+        m_context.uri->addDependency(uri);
+    }
+    if (m_context.depth >= JsonReadContext::kMaxDependencyDepth) {
+        report(BaMessageTypes::kMessageError, "Dependencies nested too deeply.",
+               "'" + text + "' is not read: dependencies nest deeper than " +
+                   std::to_string(JsonReadContext::kMaxDependencyDepth) + " files.");
+        return;
+    }
+    // Read at once, before the next section of this file. Never reloaded:
+    // the loaded-file test is what ends cycles.
+    JsonReadContext context = m_context;
+    context.reload = false;
+    context.uri = uri;
+    context.asset = asset;
+    ++context.depth;
+    static_cast<void>(JsonFileEntry(std::move(context)).read());
 }
 
 void JsonReader::readHeader(Value const& object) {

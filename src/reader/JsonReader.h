@@ -44,6 +44,12 @@ struct JsonReadContext {
     std::shared_ptr<CompoundMap> result;
     /// Null when names must be defined before they are used.
     std::shared_ptr<DmUnknownDefinitionsSupport> unknownDefinitions;
+    /// How many files, through their dependencies, led to this one.
+    unsigned depth = 0;
+
+    /// Dependencies are read at once, each nesting the reader on the stack:
+    /// a chain of files longer than this is cut with an error.
+    static constexpr unsigned kMaxDependencyDepth = 200;
 };
 
 /// A list that the early passes fill and the later ones drain in order; each
@@ -116,6 +122,7 @@ private:
 
     /// @name Handlers
     /// @{
+    void followDependency(Value const& object);
     void readHeader(Value const& object);
     void checkVersion(Value const& object);
     void readMetadataItem(Value const& object);
