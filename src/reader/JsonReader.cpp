@@ -203,6 +203,8 @@ void JsonReader::walkList(Value const& object, std::string_view key, Section sec
     m_sections.pop_back();
 }
 
+// Which handler runs for an object of a section, in which pass; each
+// handler walks the lists it holds itself.
 void JsonReader::handle(Section section, Value const& object) {
     switch (section) {
     case JsonFormat::kHeader:
@@ -217,10 +219,70 @@ void JsonReader::handle(Section section, Value const& object) {
             followDependency(object);
         }
         break;
+    case JsonFormat::kNamespaces:
+        if (m_pass == 1) {
+            readNamespace(object);
+        }
+        break;
+    case JsonFormat::kTypes:
+        readType(object);
+        break;
+    case JsonFormat::kGlobalVariables:
+        readGlobalVariable(object);
+        break;
+    case JsonFormat::kOperators:
+        readOperator(object);
+        break;
+    case JsonFormat::kTerminalNodes:
+        readTerminalNodeDef(object);
+        break;
+    case JsonFormat::kPorts:
+        readPort(object);
+        break;
+    case JsonFormat::kJobPorts:
+        readJobPort(object);
+        break;
+    case JsonFormat::kCompounds:
+        readCompound(object);
+        break;
+    case JsonFormat::kCompoundNodes:
+        readCompoundNode(object);
+        break;
+    case JsonFormat::kConnections:
+        readConnection(object);
+        break;
+    case JsonFormat::kValues:
+        readValueEntry(object);
+        break;
+    case JsonFormat::kWatchPoints:
+        readWatchPoint(object);
+        break;
+    case JsonFormat::kReservedNodeNames:
+        readReservedNodeNames(object);
+        break;
+    case JsonFormat::kStructMembers:
+        readStructMember(object);
+        break;
+    case JsonFormat::kEnumMembers:
+        readEnumMember(object);
+        break;
     case JsonFormat::kMetadata:
         readMetadataItem(object);
         break;
-    default:
+    case JsonFormat::kMethods:
+        readMethod(object);
+        break;
+    case JsonFormat::kWhileCompound:
+    case JsonFormat::kIterateCompound:
+    case JsonFormat::kForEachCompound:
+        readLoopSpecialisation(section, object);
+        break;
+    case JsonFormat::kWhileCompoundPorts:
+    case JsonFormat::kIterateCompoundPorts:
+    case JsonFormat::kForEachCompoundPorts:
+        readLoopPort(section, object);
+        break;
+    case JsonFormat::kNoSection:
         break;
     }
 }

@@ -128,6 +128,45 @@ private:
     void readMetadataItem(Value const& object);
     /// @}
 
+    // ---- Namespaces, types and global variables: JsonReaderTypes.cpp ----
+public:
+    /// What resolveType does with a name that names no type.
+    enum class MissingType {
+        kNothing = 0,   ///< gives null
+        kUndefined = 1, ///< makes an undefined type of that name in its namespace
+        kUnknown = 2,   ///< asks the unknown-definitions support for a placeholder
+    };
+    /// The type a (normalised, legacy-renamed) type name of the file names:
+    /// a built-in, a type of the library's namespaces, or an array form.
+    std::shared_ptr<DmBaseType const> resolveType(std::string_view name, MissingType missing);
+
+private:
+    void readNamespace(Value const& object);
+    void readType(Value const& object);
+    void readEnumMember(Value const& object);
+    void readMethod(Value const& object);
+    void readStructMember(Value const& object);
+    void readGlobalVariable(Value const& object);
+    // ---- end of namespaces, types and global variables ----
+
+    // ---- Operators, terminal node definitions and ports: JsonReaderDefinitions.cpp ----
+    void readOperator(Value const& object);
+    void readTerminalNodeDef(Value const& object);
+    void readPort(Value const& object);
+    void readJobPort(Value const& object);
+    // ---- end of operators, terminal node definitions and ports ----
+
+    // ---- Compounds, nodes, connections, values, watch points: JsonReaderCompounds.cpp ----
+    void readCompound(Value const& object);
+    void readCompoundNode(Value const& object);
+    void readConnection(Value const& object);
+    void readValueEntry(Value const& object);
+    void readWatchPoint(Value const& object);
+    void readReservedNodeNames(Value const& object);
+    void readLoopSpecialisation(Section section, Value const& object);
+    void readLoopPort(Section section, Value const& object);
+    // ---- end of compounds ----
+
     /// @name Messages
     /// @{
     /// What the reader's messages are about: the file's URI.
