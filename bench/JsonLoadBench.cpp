@@ -18,6 +18,7 @@
 //   BM_Passes*                    JsonReader::read over a parsed document: as it is, with
 //                                 handlers that do nothing, and walking every list
 //   BM_LoadGraph                  DmLibrary::loadGraph with reloadMode 1
+//   BM_Pair*                      two of the above alternated in one loop, for their ratio
 #include <KestoDM/assets/DmAssetReference.h>
 #include <KestoDM/assets/DmFileURI.h>
 #include <KestoDM/foundation/DmMessageLogger.h>
@@ -37,6 +38,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <memory>
 #include <sstream>
 #include <string>
@@ -71,9 +73,13 @@ std::string const& pathOf(benchmark::State const& state) {
     return files().path(fileIndex(state.range(0)));
 }
 
-void reportShape(benchmark::State& state) {
+/// The size of the file and what it holds; bytes per second unless the
+/// iteration read the file more than once.
+void reportShape(benchmark::State& state, bool rate = true) {
     KestoBench::GraphFileShape const& shape = files().shape(fileIndex(state.range(0)));
-    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * shape.bytes));
+    if (rate) {
+        state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * shape.bytes));
+    }
     state.counters["compounds"] = static_cast<double>(shape.compounds);
     state.counters["nodes"] = static_cast<double>(shape.nodes);
 }
@@ -262,6 +268,129 @@ void BM_HandlerPlain(benchmark::State& state) {
     parseOnly(state, KestoBench::parseThroughHandlerPlain);
 }
 BENCHMARK(BM_HandlerPlain)->Arg(1)->Arg(10)->Arg(40)->Unit(benchmark::kMillisecond);
+
+// Paired comparisons
+//
+// The machine is shared, and its load drifts more than the differences
+// sought here. So each iteration runs both sides, in alternating order, and
+// times each with the thread's CPU clock; the counter `ratio` is the first
+// side's total over the second's, `first_ms` and `second_ms` their means.
+
+double threadSeconds() {
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+/// `run()` under the thread's CPU clock; a negative time when it failed.
+template <class Run>
+double timed(Run const& run) {
+    double const start = threadSeconds();
+    bool const ok = run();
+    double const elapsed = threadSeconds() - start;
+    return ok ? elapsed : -1.0;
+}
+
+/// Each side returns its own time (set-up excluded) or a negative one.
+template <class First, class Second>
+void paired(benchmark::State& state, First const& first, Second const& second) {
+    double totalFirst = 0;
+    double totalSecond = 0;
+    bool firstFirst = true;
+    for (auto _ : state) {
+        double a = 0;
+        double b = 0;
+        if (firstFirst) {
+            a = first();
+            b = second();
+        } else {
+            b = second();
+            a = first();
+        }
+        if (a < 0 || b < 0) {
+            state.SkipWithError("a side failed");
+            return;
+        }
+        firstFirst = !firstFirst;
+        totalFirst += a;
+        totalSecond += b;
+        state.SetIterationTime(a + b);
+    }
+    auto const iterations = static_cast<double>(state.iterations());
+    state.counters["ratio"] = totalFirst / totalSecond;
+    state.counters["first_ms"] = totalFirst / iterations * 1e3;
+    state.counters["second_ms"] = totalSecond / iterations * 1e3;
+}
+
+/// A load through the library; time of the whole load.
+auto libraryLoad(std::shared_ptr<DmAssetReference> const& asset, JsonDocument::Parser parser) {
+    return [asset, parser] {
+        return timed([&] {
+            JsonDocument document(nullptr, parser);
+            return document.load(asset) == DmStatus::kSuccess && document.getRoot().MemberCount() != 0;
+        });
+    };
+}
+
+/// A parse-only side over its own copy of the text; the copy is not timed.
+auto parseSide(std::shared_ptr<InsituText> const& text, std::size_t (*parse)(char*)) {
+    return [text, parse] {
+        char* const buffer = text->refresh();
+        return timed([&] { return parse(buffer) != 0; });
+    };
+}
+
+/// JsonDocument::load (SSE) against the same read and Document::ParseInsitu.
+void BM_PairLoadVsRapidJson(benchmark::State& state) {
+    std::string const& path = pathOf(state);
+    paired(state, libraryLoad(fileAsset(path), JsonDocument::Parser::kSse), [&path] {
+        return timed([&] {
+            std::size_t size = 0;
+            Buffer const text = readFile(path, size);
+            return text && KestoBench::parseInsitu(text.get()) != 0;
+        });
+    });
+    reportShape(state, false);
+}
+BENCHMARK(BM_PairLoadVsRapidJson)->Arg(1)->Arg(10)->Arg(40)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+/// The library's load with the SSE parser against the plain one.
+void BM_PairLoadSseVsPlain(benchmark::State& state) {
+    auto const asset = fileAsset(pathOf(state));
+    paired(state, libraryLoad(asset, JsonDocument::Parser::kSse),
+           libraryLoad(asset, JsonDocument::Parser::kPlain));
+    reportShape(state, false);
+}
+BENCHMARK(BM_PairLoadSseVsPlain)->Arg(1)->Arg(10)->Arg(40)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+/// The nesting-limit handler (Populate) against Document::ParseInsitu, SSE.
+void BM_PairHandlerVsParse(benchmark::State& state) {
+    paired(state, parseSide(std::make_shared<InsituText>(pathOf(state)), KestoBench::parseThroughHandler),
+           parseSide(std::make_shared<InsituText>(pathOf(state)), KestoBench::parseInsitu));
+    reportShape(state, false);
+}
+BENCHMARK(BM_PairHandlerVsParse)->Arg(1)->Arg(10)->Arg(40)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+/// RapidJSON alone, SSE against plain.
+void BM_PairParseSseVsPlain(benchmark::State& state) {
+    paired(state, parseSide(std::make_shared<InsituText>(pathOf(state)), KestoBench::parseInsitu),
+           parseSide(std::make_shared<InsituText>(pathOf(state)), KestoBench::parseInsituPlain));
+    reportShape(state, false);
+}
+BENCHMARK(BM_PairParseSseVsPlain)->Arg(1)->Arg(10)->Arg(40)->UseManualTime()->Unit(benchmark::kMillisecond);
+
+/// The plain stream without and with RapidJSON's stream-copy optimisation.
+void BM_PairPlainVsPlainCopied(benchmark::State& state) {
+    paired(state, parseSide(std::make_shared<InsituText>(pathOf(state)), KestoBench::parseInsituPlain),
+           parseSide(std::make_shared<InsituText>(pathOf(state)), KestoBench::parseInsituPlainCopied));
+    reportShape(state, false);
+}
+BENCHMARK(BM_PairPlainVsPlainCopied)
+    ->Arg(1)
+    ->Arg(10)
+    ->Arg(40)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
 
 // The walker's four passes
 
