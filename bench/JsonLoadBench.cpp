@@ -193,7 +193,7 @@ void BM_RapidJsonReadParse(benchmark::State& state) {
     for (auto _ : state) {
         std::size_t size = 0;
         Buffer const text = readFile(path, size);
-        std::size_t const members = text ? KestoBench::parseInsitu(text.get()) : 0;
+        std::size_t const members = text ? KestoBench::parseInsitu(text.get(), size) : 0;
         if (members == 0) {
             state.SkipWithError("parse failed");
             return;
@@ -222,7 +222,7 @@ BENCHMARK(BM_RapidJsonRead)->Arg(1)->Arg(10)->Arg(40)->Unit(benchmark::kMillisec
 
 /// Runs `parse(text)` on a fresh copy of the text each iteration; the copy
 /// is outside the clock.
-void parseOnly(benchmark::State& state, std::size_t (*parse)(char*)) {
+void parseOnly(benchmark::State& state, std::size_t (*parse)(char*, std::size_t)) {
     InsituText text(pathOf(state));
     if (!text.valid()) {
         state.SkipWithError("read failed");
@@ -232,7 +232,7 @@ void parseOnly(benchmark::State& state, std::size_t (*parse)(char*)) {
         state.PauseTiming();
         char* const buffer = text.refresh();
         state.ResumeTiming();
-        std::size_t const members = parse(buffer);
+        std::size_t const members = parse(buffer, text.size());
         if (members == 0) {
             state.SkipWithError("parse failed");
             return;
@@ -333,10 +333,10 @@ auto libraryLoad(std::shared_ptr<DmAssetReference> const& asset, JsonDocument::P
 }
 
 /// A parse-only side over its own copy of the text; the copy is not timed.
-auto parseSide(std::shared_ptr<InsituText> const& text, std::size_t (*parse)(char*)) {
+auto parseSide(std::shared_ptr<InsituText> const& text, std::size_t (*parse)(char*, std::size_t)) {
     return [text, parse] {
         char* const buffer = text->refresh();
-        return timed([&] { return parse(buffer) != 0; });
+        return timed([&] { return parse(buffer, text->size()) != 0; });
     };
 }
 
@@ -347,7 +347,7 @@ void BM_PairLoadVsRapidJson(benchmark::State& state) {
         return timed([&] {
             std::size_t size = 0;
             Buffer const text = readFile(path, size);
-            return text && KestoBench::parseInsitu(text.get()) != 0;
+            return text && KestoBench::parseInsitu(text.get(), size) != 0;
         });
     });
     reportShape(state, false);

@@ -49,33 +49,34 @@ private:
 template <class Stream>
 struct Generator {
     char* text;
+    std::size_t size;
     bool ok = false;
 
     bool operator()(rapidjson::Document& document) {
         DepthLimitedHandler handler(document);
         Stream stream(text);
         rapidjson::Reader reader;
-        ok = !reader.Parse<rapidjson::kParseInsituFlag>(stream, handler).IsError();
+        ok = !reader.Parse<rapidjson::kParseInsituFlag>(stream, handler).IsError() && stream.Tell() >= size;
         return ok;
     }
 };
 
 template <class Stream>
-std::size_t populate(char* text) {
+std::size_t populate(char* text, std::size_t size) {
     ReferenceDom dom;
-    Generator<Stream> generator{text};
+    Generator<Stream> generator{text, size};
     dom.document.Populate(generator);
     return generator.ok ? dom.result() : 0;
 }
 
 } // namespace
 
-std::size_t parseThroughHandler(char* text) {
-    return populate<rapidjson::InsituStringStream>(text);
+std::size_t parseThroughHandler(char* text, std::size_t size) {
+    return populate<rapidjson::InsituStringStream>(text, size);
 }
 
-std::size_t parseThroughHandlerPlain(char* text) {
-    return populate<PlainStream>(text);
+std::size_t parseThroughHandlerPlain(char* text, std::size_t size) {
+    return populate<PlainStream>(text, size);
 }
 
 } // namespace KestoBench

@@ -22,7 +22,7 @@ struct rapidjson::StreamTraits<KestoBench::PlainCopiedStream> {
 
 namespace KestoBench {
 
-std::size_t parseInsituPlainCopied(char* text) {
+std::size_t parseInsituPlainCopied(char* text, std::size_t /*size*/) {
     ReferenceDom dom;
     PlainCopiedStream stream(text);
     dom.document.ParseStream<rapidjson::kParseInsituFlag>(stream);
