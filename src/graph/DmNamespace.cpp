@@ -18,21 +18,6 @@ namespace Kesto {
 
 namespace {
 
-// The kinds of type that files define, and that collect gathers.
-bool isCollectedKind(DmTypeKind kind) noexcept {
-    switch (kind) {
-    case kTypeClass:
-    case kTypeStruct:
-    case kTypeEnum:
-    case kTypeUndefined:
-    case kTypeUnknown:
-    case kTypeUnknownStruct:
-        return true;
-    default:
-        return false;
-    }
-}
-
 bool isCompound(DmOverload const& overload) noexcept {
     return dynamic_cast<DmCompound const*>(&overload) != nullptr;
 }
@@ -331,7 +316,7 @@ void DmNamespace::collect(DmCollectList& list, DmSelector const& selector, DmCol
     if ((mask & kCollectTypes) != 0) {
         for (auto const& entry : *m_types) {
             std::shared_ptr<DmNamedEntity> const type = entry.second;
-            if (isCollectedKind(entry.second->getTypeKind()) && selector.select(type)) {
+            if (isFileDefinedKind(entry.second->getTypeKind()) && selector.select(type)) {
                 list.push_back(type);
             }
         }

@@ -104,17 +104,8 @@ void DmLibrary::setURIForExternalOperatorsAndTypes(std::shared_ptr<DmURI> const&
         }
     }
     for (auto const& entry : getTypes(false)) {
-        switch (entry.second->getTypeKind()) {
-        case kTypeClass:
-        case kTypeStruct:
-        case kTypeEnum:
-        case kTypeUndefined:
-        case kTypeUnknown:
-        case kTypeUnknownStruct:
+        if (isFileDefinedKind(entry.second->getTypeKind())) {
             entry.second->setURI(uri);
-            break;
-        default:
-            break;
         }
     }
 }

@@ -30,4 +30,21 @@ enum DmTypeKind : std::int32_t {
     kTypeAuto = 20,
 };
 
+/// The kinds of type that files define (class, struct, enum, and the
+/// undefined and unknown stand-ins): what collect gathers and what a file's
+/// URI is given to.
+constexpr bool isFileDefinedKind(DmTypeKind kind) noexcept {
+    switch (kind) {
+    case kTypeClass:
+    case kTypeStruct:
+    case kTypeEnum:
+    case kTypeUndefined:
+    case kTypeUnknown:
+    case kTypeUnknownStruct:
+        return true;
+    default:
+        return false;
+    }
+}
+
 } // namespace Kesto
