@@ -249,6 +249,21 @@ DmLibrary::~DmLibrary() {
     if (m_errorLogger) {
         m_errorLogger->printAndClearMessages();
     }
+    forgetURIs();
+}
+
+// Files that depend on each other give URIs that hold each other: the
+// register owns them all, so it cuts those links when it lets them go.
+void DmLibrary::forgetURIs() {
+    if (!m_uris) {
+        return;
+    }
+    for (auto const& entry : *m_uris) {
+        if (entry.second) {
+            entry.second->getDependencies()->clear();
+        }
+    }
+    m_uris->clear();
 }
 
 bool DmLibrary::initialize(std::ostream* errorStream) {
@@ -272,7 +287,7 @@ bool DmLibrary::reset() {
     // The resolvers and their search paths stay: they are the host's setup,
     // not content.
     m_resourceFilePaths.clear();
-    m_uris->clear();
+    forgetURIs();
     m_jsonFiles.clear();
     m_unknownDefinitionsSupport.reset();
     m_globalNamespace.reset();

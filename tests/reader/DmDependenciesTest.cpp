@@ -175,3 +175,29 @@ TEST_F(DmDependenciesTest, ChainOfDependenciesIsCutAtItsLimit) {
     EXPECT_TRUE(m_library->isJsonFileLoaded(m_dir.file("f" + std::to_string(limit) + ".json")));
     EXPECT_FALSE(m_library->isJsonFileLoaded(m_dir.file(cut)));
 }
+
+TEST_F(DmDependenciesTest, URIsOfFilesThatDependOnEachOtherDieWithTheLibrary) {
+    std::string const a = m_dir.write("a.json", fileDependingOn({"file:///b.json"}));
+    m_dir.write("b.json", fileDependingOn({"file:///a.json"}));
+    std::weak_ptr<DmURI> uriOfA;
+    std::weak_ptr<DmURI> uriOfB;
+    {
+        PrintingLibrary library;
+        ASSERT_EQ(library.load("file://" + a), DmStatus::kSuccess);
+        uriOfA = library->findURI("a.json");
+        uriOfB = library->findURI("b.json");
+        ASSERT_FALSE(uriOfA.expired());
+        ASSERT_FALSE(uriOfB.expired());
+    }
+    EXPECT_TRUE(uriOfA.expired());
+    EXPECT_TRUE(uriOfB.expired());
+}
+
+TEST_F(DmDependenciesTest, ResetLetsTheURIsOfACycleGo) {
+    std::string const a = m_dir.write("a.json", fileDependingOn({"file:///b.json"}));
+    m_dir.write("b.json", fileDependingOn({"file:///a.json"}));
+    ASSERT_EQ(m_library.load("file://" + a), DmStatus::kSuccess);
+    std::weak_ptr<DmURI> const uriOfA = m_library->findURI("a.json");
+    ASSERT_TRUE(m_library->reset());
+    EXPECT_TRUE(uriOfA.expired());
+}

@@ -381,6 +381,8 @@ private:
     /// Files `uri` under its name at the end of the register; a name filed
     /// already keeps its URI.
     void registerURI(std::shared_ptr<DmURI> const& uri);
+    /// Empties the register, cutting the dependencies between its URIs.
+    void forgetURIs();
     DmStatus loadGraphWithContext(std::shared_ptr<DmURI> const& uri,
                                   std::shared_ptr<DmAssetReference> const& assetReference,
                                   LoadOptions const& options, std::shared_ptr<CompoundMap> const& result);
