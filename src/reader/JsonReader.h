@@ -154,6 +154,16 @@ private:
     void readTerminalNodeDef(Value const& object);
     void readPort(Value const& object);
     void readJobPort(Value const& object);
+    /// The `associativity` of a definition object; an unknown text is
+    /// reported about `name` (the definition's full name) and gives none.
+    DmNodeDef::Associativity readAssociativity(Value const& object, std::string const& name) const;
+    /// True when the `ports` of `object` match the interface of `existing`
+    /// port by port, in order, by name and direction; no `ports` matches an
+    /// interface without ports.
+    bool hasCompatiblePorts(Value const& object, DmNodeDef const& existing) const;
+    /// Warns about a definition with associative ports that is not a proper
+    /// associative definition; run once its ports are read.
+    void checkAssociativity(DmNodeDef const& definition) const;
     // ---- end of operators, terminal node definitions and ports ----
 
     // ---- Compounds, nodes, connections, values, watch points: JsonReaderCompounds.cpp ----

@@ -9,4 +9,14 @@ void JsonReader::readTerminalNodeDef(Value const&) {}
 void JsonReader::readPort(Value const&) {}
 void JsonReader::readJobPort(Value const&) {}
 
+DmNodeDef::Associativity JsonReader::readAssociativity(Value const&, std::string const&) const {
+    return DmNodeDef::kNotAssociative;
+}
+
+bool JsonReader::hasCompatiblePorts(Value const&, DmNodeDef const&) const {
+    return true;
+}
+
+void JsonReader::checkAssociativity(DmNodeDef const&) const {}
+
 } // namespace Kesto::Internal
