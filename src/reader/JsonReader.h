@@ -136,8 +136,11 @@ public:
         kUndefined = 1, ///< makes an undefined type of that name in its namespace
         kUnknown = 2,   ///< asks the unknown-definitions support for a placeholder
     };
-    /// The type a (normalised, legacy-renamed) type name of the file names:
-    /// a built-in, a type of the library's namespaces, or an array form.
+    /// The type that a type name of the file names: a built-in, a type of the
+    /// library's namespaces, or an array form. `name` is taken as the file
+    /// writes it: it is normalised and its old spellings are renamed here. An
+    /// array of a missing element is, with kUndefined, the array of the
+    /// undefined element. Null without a library or for an empty name.
     std::shared_ptr<DmBaseType const> resolveType(std::string_view name, MissingType missing);
 
 private:
