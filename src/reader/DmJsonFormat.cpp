@@ -1,5 +1,9 @@
 #include "reader/DmJsonFormat.h"
 
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+
 namespace Kesto::Internal::JsonFormat {
 
 namespace {
@@ -207,6 +211,17 @@ std::string normalizeTypeName(std::string_view name) {
     replaceFirst(out, "Kesto::Object", "Object");
     replaceFirst(out, "Kesto::FCurve", "Math::FCurve");
     return out;
+}
+
+std::optional<int> parseEnumValue(std::string_view text) {
+    std::string const copy(text);
+    char* end = nullptr;
+    errno = 0;
+    long const value = std::strtol(copy.c_str(), &end, 10);
+    if (end == copy.c_str() || errno == ERANGE || value < INT_MIN || value > INT_MAX) {
+        return std::nullopt;
+    }
+    return static_cast<int>(value);
 }
 
 } // namespace Kesto::Internal::JsonFormat

@@ -222,4 +222,13 @@ KESTODM_API std::string normalizeName(std::string_view name);
 KESTODM_API std::string normalizeTypeName(std::string_view name);
 /// @}
 
+/// @name Enumeration values
+/// @{
+/// The integer of an `enumValue` text, converted as the standard library
+/// converts a decimal int: leading white space and a sign, then digits; what
+/// follows the digits is ignored. Nothing for a text without digits or outside
+/// the range of 32 bits.
+KESTODM_API std::optional<int> parseEnumValue(std::string_view text);
+/// @}
+
 } // namespace Kesto::Internal::JsonFormat

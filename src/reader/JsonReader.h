@@ -136,8 +136,11 @@ public:
         kUndefined = 1, ///< makes an undefined type of that name in its namespace
         kUnknown = 2,   ///< asks the unknown-definitions support for a placeholder
     };
-    /// The type a (normalised, legacy-renamed) type name of the file names:
-    /// a built-in, a type of the library's namespaces, or an array form.
+    /// The type that a type name of the file names: a built-in, a type of the
+    /// library's namespaces, or an array form. `name` is taken as the file
+    /// writes it: it is normalised and its old spellings are renamed here. An
+    /// array of a missing element is, with kUndefined, the array of the
+    /// undefined element. Null without a library or for an empty name.
     std::shared_ptr<DmBaseType const> resolveType(std::string_view name, MissingType missing);
 
 private:
@@ -147,6 +150,17 @@ private:
     void readMethod(Value const& object);
     void readStructMember(Value const& object);
     void readGlobalVariable(Value const& object);
+    /// walkList, except that a value under `key` that is neither a list nor
+    /// an object is reported as a warning with these words and not walked.
+    void walkListOrWarn(Value const& object, std::string_view key, Section section, std::string title,
+                        std::string description);
+    /// The entity on top of the entity stack as a `T`; null when it is none.
+    template <class T>
+    std::shared_ptr<T> topEntityAs() const;
+
+    /// The full names of the globals that pass 1 made, one entry per global
+    /// object (empty for one not made), for pass 3 to find them again.
+    PassQueue<std::string> m_globalVariableNames;
     // ---- end of namespaces, types and global variables ----
 
     // ---- Operators, terminal node definitions and ports: JsonReaderDefinitions.cpp ----
