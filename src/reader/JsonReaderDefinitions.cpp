@@ -75,8 +75,17 @@ bool hasKind(std::shared_ptr<DmBaseType const> const& type, DmTypeKind kind) {
     return inner != nullptr && inner->getTypeKind() == kind;
 }
 
-bool isArrayOfAuto(std::shared_ptr<DmBaseType const> const& type) {
-    return type && type->getTypeKind() == kTypeArray && hasKind(type, kTypeAuto);
+/// True for a type name of the array form whose innermost element is auto:
+/// no such type exists, so resolving the name cannot tell it.
+bool namesArrayOfAuto(std::string_view text) {
+    std::string name = JsonFormat::normalizeTypeName(text);
+    std::string element;
+    bool array = false;
+    while (DmLibrary::isArrayType(name, element)) {
+        array = true;
+        name = JsonFormat::normalizeTypeName(element);
+    }
+    return array && name == DmLibrary::getAutoType()->getName();
 }
 
 /// The URI text of the definitions that hold a name in a scope: that of the
@@ -195,11 +204,7 @@ void JsonReader::readOperator(Value const& object) {
         if (!definition) {
             return;
         }
-        m_entities.push_back(definition);
-        m_definitions.push_back(definition);
-        walkList(object, JsonFormat::Key::kPorts, JsonFormat::kPorts);
-        m_definitions.pop_back();
-        m_entities.pop_back();
+        walkPortsAgain(definition, object);
         return;
     }
 
@@ -310,6 +315,17 @@ void JsonReader::readOperator(Value const& object) {
     m_entities.pop_back();
 }
 
+void JsonReader::walkPortsAgain(std::shared_ptr<DmNodeDef> const& definition, Value const& object) {
+    m_entities.push_back(definition);
+    m_definitions.push_back(definition);
+    // Pass 2 reported ports of a wrong form.
+    if (isList(member(object, JsonFormat::Key::kPorts))) {
+        walkList(object, JsonFormat::Key::kPorts, JsonFormat::kPorts);
+    }
+    m_definitions.pop_back();
+    m_entities.pop_back();
+}
+
 // ---------------------------------------------------------------------------
 // Terminal node definitions
 
@@ -330,11 +346,7 @@ void JsonReader::readTerminalNodeDef(Value const& object) {
         if (!definition) {
             return;
         }
-        m_entities.push_back(definition);
-        m_definitions.push_back(definition);
-        walkList(object, JsonFormat::Key::kPorts, JsonFormat::kPorts);
-        m_definitions.pop_back();
-        m_entities.pop_back();
+        walkPortsAgain(definition, object);
         return;
     }
 
@@ -437,8 +449,8 @@ void JsonReader::createPort(DmNodeDef& definition, Value const& object) {
     if (typeText.empty()) {
         type = DmLibrary::getAutoType();
     } else {
-        type = resolvePortType(typeText);
-        if (isArrayOfAuto(type)) {
+        type = namesArrayOfAuto(typeText) ? nullptr : resolvePortType(typeText);
+        if (namesArrayOfAuto(typeText)) {
             report(BaMessageTypes::kMessageWarning, "Illegal array of auto type.",
                    "The port '" + portName + "' has illegal type '" + std::string(typeText) +
                        "', using 'auto' type instead.");
@@ -604,7 +616,8 @@ void JsonReader::readJobPort(Value const& object) {
         return;
     }
     std::string_view const typeText = stringOf(object, JsonFormat::Key::kPortType);
-    std::shared_ptr<DmBaseType const> const type = typeText.empty() ? nullptr : resolvePortType(typeText);
+    std::shared_ptr<DmBaseType const> const type =
+        typeText.empty() || namesArrayOfAuto(typeText) ? nullptr : resolvePortType(typeText);
     if (!type && typeText.empty()) {
         report(BaMessageTypes::kMessageWarning, "Missing job port type.",
                "Job port '" + name + "' must have a concrete type.");
@@ -615,7 +628,7 @@ void JsonReader::readJobPort(Value const& object) {
                "Job port '" + name + "' must have a concrete type.");
         return;
     }
-    if (isArrayOfAuto(type)) {
+    if (namesArrayOfAuto(typeText)) {
         report(BaMessageTypes::kMessageWarning, "Illegal array of auto type.",
                "The job port '" + name + "' has illegal type '" + std::string(typeText) +
                    "'. Job ports must have concrete types.");
