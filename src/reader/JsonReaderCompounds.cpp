@@ -24,7 +24,6 @@
 #include <KestoDM/graph/DmWhileCompound.h>
 #include <KestoDM/library/DmLibrary.h>
 #include <KestoDM/platform/NamingSupport.h>
-#include <KestoDM/types/DmArrayType.h>
 #include <KestoDM/types/DmBaseType.h>
 #include <KestoDM/types/DmBaseValue.h>
 #include <KestoDM/types/DmMetadata.h>
@@ -59,19 +58,17 @@ std::string fullNameOf(DmNamedEntity const& entity) {
     return out;
 }
 
-bool isAutoArray(DmBaseType const& type) {
-    auto const* array = dynamic_cast<DmArrayType const*>(&type);
-    while (array != nullptr) {
-        DmBaseType const* const element = array->getElementType().get();
-        if (element == nullptr) {
-            return false;
-        }
-        if (element->getTypeKind() == kTypeAuto) {
-            return true;
-        }
-        array = dynamic_cast<DmArrayType const*>(element);
+/// Whether the type name is an array form whose innermost element is "auto":
+/// no type is made of it.
+bool isAutoArrayName(std::string const& name) {
+    std::string element = name;
+    std::string inner;
+    bool array = false;
+    while (DmLibrary::isArrayType(element, inner)) {
+        array = true;
+        element = inner;
     }
-    return false;
+    return array && element == "auto";
 }
 
 /// A list key holds an array, or one object as a list of one.
@@ -543,7 +540,7 @@ void JsonReader::readCompoundNode(Value const& object) {
         if (type && type->getTypeKind() == kTypeUndefined) {
             report(kWarning, "Undefined value type.",
                    "The value node definition " + quoted(valueType) + " has undefined type.");
-        } else if (type && isAutoArray(*type)) {
+        } else if (isAutoArrayName(JsonFormat::normalizeTypeName(valueType))) {
             report(kWarning, "Illegal array of auto type.",
                    "The value node definition " + quoted(valueType) + " has illegal type.");
         }
