@@ -180,6 +180,15 @@ private:
     /// Warns about a definition with associative ports that is not a proper
     /// associative definition; run once its ports are read.
     void checkAssociativity(DmNodeDef const& definition) const;
+    /// Pass 3 of an operator or terminal definition: its ports again.
+    void walkPortsAgain(std::shared_ptr<DmNodeDef> const& definition, Value const& object);
+    /// Pass 2 of a port object: makes the port and adds it to `definition`.
+    void createPort(DmNodeDef& definition, Value const& object);
+    /// Pass 3 of a port object: the default value and the feedback link.
+    void completePort(DmNodeDef& definition, Value const& object);
+    /// The type of a port or job port: missing names become undefined types,
+    /// or placeholders with an unknown-definitions support.
+    std::shared_ptr<DmBaseType const> resolvePortType(std::string_view text);
     // ---- end of operators, terminal node definitions and ports ----
 
     // ---- Compounds, nodes, connections, values, watch points: JsonReaderCompounds.cpp ----
