@@ -58,19 +58,6 @@ std::string fullNameOf(DmNamedEntity const& entity) {
     return out;
 }
 
-/// Whether the type name is an array form whose innermost element is "auto":
-/// no type is made of it.
-bool isAutoArrayName(std::string const& name) {
-    std::string element = name;
-    std::string inner;
-    bool array = false;
-    while (DmLibrary::isArrayType(element, inner)) {
-        array = true;
-        element = inner;
-    }
-    return array && element == "auto";
-}
-
 /// A list key holds an array, or one object as a list of one.
 bool isListForm(Value const& value) noexcept {
     return value.IsArray() || value.IsObject();
@@ -540,7 +527,7 @@ void JsonReader::readCompoundNode(Value const& object) {
         if (type && type->getTypeKind() == kTypeUndefined) {
             report(kWarning, "Undefined value type.",
                    "The value node definition " + quoted(valueType) + " has undefined type.");
-        } else if (isAutoArrayName(JsonFormat::normalizeTypeName(valueType))) {
+        } else if (JsonFormat::namesArrayOfAuto(JsonFormat::normalizeTypeName(valueType))) {
             report(kWarning, "Illegal array of auto type.",
                    "The value node definition " + quoted(valueType) + " has illegal type.");
         }
