@@ -1,5 +1,8 @@
 #include "reader/DmJsonFormat.h"
 
+#include <KestoDM/library/DmLibrary.h>
+#include <KestoDM/types/DmUninstantiableType.h>
+
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -222,6 +225,17 @@ std::optional<int> parseEnumValue(std::string_view text) {
         return std::nullopt;
     }
     return static_cast<int>(value);
+}
+
+bool namesArrayOfAuto(std::string_view typeName) {
+    std::string name(typeName);
+    std::string element;
+    bool array = false;
+    while (DmLibrary::isArrayType(name, element)) {
+        array = true;
+        name = element;
+    }
+    return array && name == DmLibrary::getAutoType()->getName();
 }
 
 } // namespace Kesto::Internal::JsonFormat

@@ -220,6 +220,9 @@ KESTODM_API std::string normalizeName(std::string_view name);
 /// first occurrence: "Kesto::Object" becomes "Object", then "Kesto::FCurve"
 /// becomes "Math::FCurve".
 KESTODM_API std::string normalizeTypeName(std::string_view name);
+/// True for a normalised type name of the array form whose innermost element
+/// is "auto" ("array<array<auto>>"): no type is made of such a name.
+KESTODM_API bool namesArrayOfAuto(std::string_view typeName);
 /// @}
 
 /// @name Enumeration values

@@ -23,6 +23,8 @@ class DmEntity;
 class DmLibrary;
 class DmMessageLogger;
 class DmNodeDef;
+class DmPort;
+class DmTerminalStates;
 class DmTerminalNodeDef;
 class DmUnknownDefinitionsSupport;
 class DmURI;
@@ -198,6 +200,28 @@ private:
     void readReservedNodeNames(Value const& object);
     void readLoopSpecialisation(Section section, Value const& object);
     void readLoopPort(Section section, Value const& object);
+    /// The normalised `name` of a compound object; empty when it has none,
+    /// which leaves the object out of every pass.
+    static std::string compoundNameOf(Value const& object);
+    /// The section of the loop key that decides a compound's class, or kNoSection.
+    static Section loopSectionOf(Value const& object) noexcept;
+    /// The compound open on the definition stack, or null.
+    DmCompound* openCompound() const noexcept;
+    /// The definition `name` (normalised) names for a node of `compound`:
+    /// from the compound outward to the global namespace, or from the global
+    /// namespace alone after a leading "::".
+    std::shared_ptr<DmNodeDef> findNodeDefFor(DmCompound const& compound, std::string const& name) const;
+    /// Reads `terminalStates` of `object` into `states`; `owner` names the
+    /// node or compound in messages, `onCompound` says which.
+    void readTerminalStates(Value const& object, DmTerminalStates& states, std::string const& owner,
+                            bool onCompound);
+    /// Sets the terminal "<definition>::<port>" `name` on or off in `states`.
+    void applyTerminalState(DmTerminalStates& states, std::string const& name, bool enabled,
+                            std::string const& owner, bool onCompound);
+    /// The port a value or watch point path names in the open compound:
+    /// "node.port" or ".port" (the interface node), members after further
+    /// points. Null, reported, when there is none.
+    std::shared_ptr<DmPort> findPortOfPath(DmCompound const& compound, std::string const& path);
     // ---- end of compounds ----
 
     /// @name Messages
