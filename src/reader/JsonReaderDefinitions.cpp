@@ -75,17 +75,9 @@ bool hasKind(std::shared_ptr<DmBaseType const> const& type, DmTypeKind kind) {
     return inner != nullptr && inner->getTypeKind() == kind;
 }
 
-/// True for a type name of the array form whose innermost element is auto:
-/// no such type exists, so resolving the name cannot tell it.
+/// True for a type name of the file that names an array of auto.
 bool namesArrayOfAuto(std::string_view text) {
-    std::string name = JsonFormat::normalizeTypeName(text);
-    std::string element;
-    bool array = false;
-    while (DmLibrary::isArrayType(name, element)) {
-        array = true;
-        name = JsonFormat::normalizeTypeName(element);
-    }
-    return array && name == DmLibrary::getAutoType()->getName();
+    return JsonFormat::namesArrayOfAuto(JsonFormat::normalizeTypeName(text));
 }
 
 /// The URI text of the definitions that hold a name in a scope: that of the
