@@ -1,5 +1,8 @@
 // Ports of definitions in graph files: each check of the second pass, in its
 // order, and the defaults and links of the third.
+#include <KestoDM/graph/DmCompound.h>
+#include <KestoDM/graph/DmNode.h>
+#include <KestoDM/graph/DmPort.h>
 #include <KestoDM/types/DmArrayType.h>
 #include <KestoDM/types/DmBuiltInValue.h>
 #include <KestoDM/types/DmMetadata.h>
@@ -320,4 +323,111 @@ TEST_F(DmReadPortsTest, FeedbackLinkOutsideACompoundIsRefused) {
                              "Invalid port attribute.",
                              "The feedback attribute can only be on non looping construct compounds.")}));
     EXPECT_FALSE(port("a")->isLinked());
+}
+
+namespace {
+
+class DmReadCompoundPortsTest : public KestoTest::NodeDefReadingTest {
+protected:
+    /// Loads the compound "g::c" with the `ports` and `more` keys.
+    DmStatus loadCompound(std::string const& ports, std::string const& more = std::string()) {
+        return load(R"(, "compounds": [{"name": "g::c", "ports": [)" + ports + "]" + more + "}]");
+    }
+
+    std::shared_ptr<DmCompound> compound() {
+        auto const all = library().getCompounds();
+        auto const found = all.find("g::c");
+        return found != all.end() ? found->second : nullptr;
+    }
+
+    std::shared_ptr<DmPortDescription> port(std::string const& name) {
+        auto const c = compound();
+        return c ? c->getPortsInterface()[name] : nullptr;
+    }
+};
+
+} // namespace
+
+TEST_F(DmReadCompoundPortsTest, CompoundPortsNeedNoConvention) {
+    ASSERT_EQ(
+        loadCompound(R"({"portName": "a", "portDirection": "input", "portType": "int", "portDefault": "4"},)"
+                     R"( {"portName": "r", "portDirection": "output", "portType": "int"})"),
+        DmStatus::kSuccess);
+    EXPECT_TRUE(printed().empty());
+    ASSERT_TRUE(port("a"));
+    EXPECT_FALSE(port("a")->hasCppPassingConvention());
+    auto const value = std::dynamic_pointer_cast<DmIntValue>(port("a")->getDefaultValueOverride());
+    ASSERT_TRUE(value);
+    EXPECT_EQ(value->getData(), 4);
+    EXPECT_EQ(port("r")->getDirection(), kDirectionOutput);
+}
+
+TEST_F(DmReadCompoundPortsTest, DefaultOfAnAutoInputIsKeptOnTheInterfaceNode) {
+    ASSERT_EQ(loadCompound(R"({"portName": "a", "portDirection": "input", "portDefaultType": "float",)"
+                           R"( "portDefault": "2.5"})"),
+              DmStatus::kSuccess);
+    EXPECT_TRUE(printed().empty());
+    EXPECT_FALSE(port("a")->getDefaultValueOverride());
+    std::shared_ptr<DmPort> const selfPort = (*compound()->getSelfNode())["a"];
+    ASSERT_TRUE(selfPort);
+    auto const value = std::dynamic_pointer_cast<DmFloatValue>(selfPort->getDefaultValue());
+    ASSERT_TRUE(value);
+    EXPECT_EQ(value->getData(), 2.5f);
+}
+
+TEST_F(DmReadCompoundPortsTest, FeedbackLinksAnInputToAnOutput) {
+    ASSERT_EQ(
+        loadCompound(
+            R"({"portName": "a", "portDirection": "input", "portType": "int",)"
+            R"( "linkedFeedbackPort": "r"}, {"portName": "r", "portDirection": "output", "portType": "int"})"),
+        DmStatus::kSuccess);
+    EXPECT_TRUE(printed().empty());
+    EXPECT_EQ(port("a")->getLinkedPort(), port("r").get());
+    EXPECT_TRUE(port("a")->isFeedback());
+    EXPECT_TRUE(port("r")->isFeedback());
+}
+
+TEST_F(DmReadCompoundPortsTest, FeedbackNamingAMissingPortIsNotFound) {
+    EXPECT_EQ(loadCompound(R"({"portName": "a", "portDirection": "input", "portType": "int",)"
+                           R"( "linkedFeedbackPort": "nowhere"})"),
+              DmStatus::kFailure);
+    EXPECT_EQ(printed(),
+              (std::vector<std::string>{
+                  error("Feedback port not found.", "The output feedback port 'nowhere' was not found.")}));
+    EXPECT_FALSE(port("a")->isLinked());
+}
+
+TEST_F(DmReadCompoundPortsTest, FeedbackNamingAnInputIsNotFound) {
+    EXPECT_EQ(
+        loadCompound(
+            R"({"portName": "a", "portDirection": "input", "portType": "int",)"
+            R"( "linkedFeedbackPort": "b"}, {"portName": "b", "portDirection": "input", "portType": "int"})"),
+        DmStatus::kFailure);
+    EXPECT_EQ(printed(), (std::vector<std::string>{error("Feedback port not found.",
+                                                         "The output feedback port 'b' was not found.")}));
+}
+
+TEST_F(DmReadCompoundPortsTest, FeedbackOnAnOutputIsRefused) {
+    EXPECT_EQ(
+        loadCompound(
+            R"({"portName": "a", "portDirection": "input", "portType": "int"},)"
+            R"( {"portName": "r", "portDirection": "output", "portType": "int", "linkedFeedbackPort": "a"})"),
+        DmStatus::kFailure);
+    EXPECT_EQ(printed(),
+              (std::vector<std::string>{
+                  error("Invalid port attribute.", "The feedback attribute must be on an input port.")}));
+    EXPECT_FALSE(port("r")->isLinked());
+}
+
+TEST_F(DmReadCompoundPortsTest, FeedbackOnALoopingCompoundIsRefused) {
+    EXPECT_EQ(
+        loadCompound(
+            R"({"portName": "a", "portDirection": "input", "portType": "int",)"
+            R"( "linkedFeedbackPort": "r"}, {"portName": "r", "portDirection": "output", "portType": "int"})",
+            R"(, "whileCompound": {"ports": []})"),
+        DmStatus::kFailure);
+    EXPECT_EQ(printed(), (std::vector<std::string>{error(
+                             "Invalid port attribute.",
+                             "The feedback attribute can only be on non looping construct compounds.")}));
+    EXPECT_FALSE(port("a")->isFeedback());
 }
