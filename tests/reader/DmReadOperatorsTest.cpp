@@ -2,6 +2,7 @@
 // given their symbols, flags, job ports and metadata.
 #include <KestoDM/assets/DmURI.h>
 #include <KestoDM/graph/DmJobPort.h>
+#include <KestoDM/graph/DmPortsInterface.h>
 #include <KestoDM/types/DmArrayType.h>
 #include <KestoDM/types/DmBuiltInValue.h>
 #include <KestoDM/types/DmMetadata.h>
@@ -378,4 +379,71 @@ TEST_F(DmReadOperatorsTest, OperatorsAreReadAfterTheTypesTheirPortsName) {
     ASSERT_EQ(load(text), DmStatus::kSuccess);
     EXPECT_TRUE(printed().empty());
     EXPECT_EQ(cppOperator("geo::len")->getPortsInterface()["p"]->getType(), type("geo::Point"));
+}
+
+TEST_F(DmReadOperatorsTest, CorpusFileOfOperatorsAndATerminalBuildsItsModel) {
+    ASSERT_EQ(loadCorpus("200_operators.json"), DmStatus::kSuccess);
+    EXPECT_TRUE(printed().empty());
+    auto const point = type("geo::Point");
+    ASSERT_TRUE(point);
+
+    auto const scale = cppOperator("geo::scale");
+    ASSERT_TRUE(scale);
+    EXPECT_EQ(scale->getURI(), uri("200_operators.json"));
+    EXPECT_EQ(scale->getMangleName(DmMangledName::kMangledNameItanium), "_ZN3geo5scaleERKNS_5PointEfRS0_");
+    EXPECT_EQ(scale->getMangleName(DmMangledName::kMangledNameMicrosoft),
+              "?scale@geo@@YAXAEBUPoint@1@MAEAU21@@Z");
+    EXPECT_EQ(scale->getResourceFileName(), "libgeo.so");
+    EXPECT_EQ(scale->getCancellationPolicy(), DmExternOperator::kNone);
+    EXPECT_TRUE(scale->isDefaultOverload());
+    EXPECT_EQ(scale->getMetadata()->find("category").size(), 1u);
+    DmPortsInterface const& ports = scale->getPortsInterface();
+    ASSERT_EQ(ports.size(), 3u);
+    EXPECT_EQ(ports["point"]->getType(), point);
+    EXPECT_EQ(ports["point"]->getCppPassingConvention(), kPassByReference);
+    auto const factor = std::dynamic_pointer_cast<DmFloatValue>(ports["factor"]->getDefaultValueOverride());
+    ASSERT_TRUE(factor);
+    EXPECT_EQ(factor->getData(), 2.0f);
+    EXPECT_EQ(ports["result"]->getDirection(), kDirectionOutput);
+    EXPECT_EQ(ports["result"]->getCppPassingConvention(), kPassByMutablePtrValue);
+    EXPECT_EQ(scale->getAssociatedPort(ports["result"].get()), ports["point"]);
+    ASSERT_EQ(scale->getJobPorts().size(), 1u);
+    EXPECT_EQ(scale->getJobPorts()[0]->getType(), DmLibrary::getStringType());
+
+    auto const join = cppOperator("geo::join");
+    ASSERT_TRUE(join);
+    EXPECT_EQ(join->associativity(), DmNodeDef::kLeftToRight);
+    EXPECT_EQ(join->getCancellationPolicy(), DmExternOperator::kSafe);
+    EXPECT_TRUE(join->getPortsInterface()["first"]->isAssociative());
+    EXPECT_TRUE(join->getPortsInterface()["second"]->isAssociative());
+    EXPECT_EQ(join->getPortsInterface()["joined"]->getType(),
+              library().getArrayType(DmLibrary::getFloatType()));
+
+    auto const display = terminal("geo::Display");
+    ASSERT_TRUE(display);
+    EXPECT_EQ(display->getURI(), uri("200_operators.json"));
+    EXPECT_EQ(display->getPortsInterface()["shape"]->getType(), point);
+    EXPECT_EQ(display->getPortsInterface()["shape"]->getDirection(), kDirectionInput);
+    EXPECT_TRUE(display->getPortsInterface()["count"]->getDefaultValueOverride());
+}
+
+TEST_F(DmReadOperatorsTest, CorpusFileOfBadOperatorsReportsThemAndLoadsTheRest) {
+    EXPECT_EQ(loadCorpus("251_bad_operators.json"), DmStatus::kFailure);
+    std::string const file = "file:///251_bad_operators.json";
+    EXPECT_EQ(
+        printed(),
+        (std::vector<std::string>{
+            KestoTest::line("warning", file, "Missing compound external operator name.",
+                            "External operator needs to have at least a name."),
+            KestoTest::line(
+                "error", file, "Invalid cancellation policy.",
+                "the node 'bad::policy' has an invalid cancellation policy annotation 'Sometimes'. "
+                "It must be one of 'None', 'Safe' or 'Unsafe'. Using default."),
+            KestoTest::line("warning", file, "InstanceNamePort no longer supported",
+                            "InstanceNamePort no longer supported, please recompile your external operators "
+                            "without it. You may want to use RuntimeServices job port instead.")}));
+    ASSERT_TRUE(cppOperator("bad::policy"));
+    EXPECT_EQ(cppOperator("bad::policy")->getCancellationPolicy(), DmExternOperator::kSafe);
+    EXPECT_TRUE(cppOperator("bad::policy")->getPortsInterface().hasPort("in"));
+    EXPECT_TRUE(cppOperator("bad::good"));
 }

@@ -74,6 +74,12 @@ protected:
         options.nameResolution = resolution;
         return library().loadGraph(longForm(path), options);
     }
+
+    /// Loads the corpus file `name` of the reader's test data.
+    Kesto::DmStatus loadCorpus(std::string const& name) {
+        return library().loadGraph(longForm(std::string(KESTODM_TEST_DATA_DIR) + "/reader/" + name),
+                                   Kesto::DmLibrary::LoadOptions());
+    }
 };
 
 } // namespace KestoTest
