@@ -1,5 +1,12 @@
 #include "reader/DmJsonFormat.h"
 
+#include <KestoDM/library/DmLibrary.h>
+#include <KestoDM/types/DmUninstantiableType.h>
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+
 namespace Kesto::Internal::JsonFormat {
 
 namespace {
@@ -207,6 +214,28 @@ std::string normalizeTypeName(std::string_view name) {
     replaceFirst(out, "Kesto::Object", "Object");
     replaceFirst(out, "Kesto::FCurve", "Math::FCurve");
     return out;
+}
+
+std::optional<int> parseEnumValue(std::string_view text) {
+    std::string const copy(text);
+    char* end = nullptr;
+    errno = 0;
+    long const value = std::strtol(copy.c_str(), &end, 10);
+    if (end == copy.c_str() || errno == ERANGE || value < INT_MIN || value > INT_MAX) {
+        return std::nullopt;
+    }
+    return static_cast<int>(value);
+}
+
+bool namesArrayOfAuto(std::string_view typeName) {
+    std::string name(typeName);
+    std::string element;
+    bool array = false;
+    while (DmLibrary::isArrayType(name, element)) {
+        array = true;
+        name = element;
+    }
+    return array && name == DmLibrary::getAutoType()->getName();
 }
 
 } // namespace Kesto::Internal::JsonFormat

@@ -220,6 +220,18 @@ KESTODM_API std::string normalizeName(std::string_view name);
 /// first occurrence: "Kesto::Object" becomes "Object", then "Kesto::FCurve"
 /// becomes "Math::FCurve".
 KESTODM_API std::string normalizeTypeName(std::string_view name);
+/// True for a normalised type name of the array form whose innermost element
+/// is "auto" ("array<array<auto>>"): no type is made of such a name.
+KESTODM_API bool namesArrayOfAuto(std::string_view typeName);
+/// @}
+
+/// @name Enumeration values
+/// @{
+/// The integer of an `enumValue` text, converted as the standard library
+/// converts a decimal int: leading white space and a sign, then digits; what
+/// follows the digits is ignored. Nothing for a text without digits or outside
+/// the range of 32 bits.
+KESTODM_API std::optional<int> parseEnumValue(std::string_view text);
 /// @}
 
 } // namespace Kesto::Internal::JsonFormat

@@ -23,6 +23,8 @@ class DmEntity;
 class DmLibrary;
 class DmMessageLogger;
 class DmNodeDef;
+class DmPort;
+class DmTerminalStates;
 class DmTerminalNodeDef;
 class DmUnknownDefinitionsSupport;
 class DmURI;
@@ -136,8 +138,11 @@ public:
         kUndefined = 1, ///< makes an undefined type of that name in its namespace
         kUnknown = 2,   ///< asks the unknown-definitions support for a placeholder
     };
-    /// The type a (normalised, legacy-renamed) type name of the file names:
-    /// a built-in, a type of the library's namespaces, or an array form.
+    /// The type that a type name of the file names: a built-in, a type of the
+    /// library's namespaces, or an array form. `name` is taken as the file
+    /// writes it: it is normalised and its old spellings are renamed here. An
+    /// array of a missing element is, with kUndefined, the array of the
+    /// undefined element. Null without a library or for an empty name.
     std::shared_ptr<DmBaseType const> resolveType(std::string_view name, MissingType missing);
 
 private:
@@ -147,6 +152,17 @@ private:
     void readMethod(Value const& object);
     void readStructMember(Value const& object);
     void readGlobalVariable(Value const& object);
+    /// walkList, except that a value under `key` that is neither a list nor
+    /// an object is reported as a warning with these words and not walked.
+    void walkListOrWarn(Value const& object, std::string_view key, Section section, std::string title,
+                        std::string description);
+    /// The entity on top of the entity stack as a `T`; null when it is none.
+    template <class T>
+    std::shared_ptr<T> topEntityAs() const;
+
+    /// The full names of the globals that pass 1 made, one entry per global
+    /// object (empty for one not made), for pass 3 to find them again.
+    PassQueue<std::string> m_globalVariableNames;
     // ---- end of namespaces, types and global variables ----
 
     // ---- Operators, terminal node definitions and ports: JsonReaderDefinitions.cpp ----
@@ -154,6 +170,25 @@ private:
     void readTerminalNodeDef(Value const& object);
     void readPort(Value const& object);
     void readJobPort(Value const& object);
+    /// The `associativity` of a definition object; an unknown text is
+    /// reported about `name` (the definition's full name) and gives none.
+    DmNodeDef::Associativity readAssociativity(Value const& object, std::string const& name) const;
+    /// True when the `ports` of `object` match the interface of `existing`
+    /// port by port, in order, by name and direction; no `ports` matches an
+    /// interface without ports.
+    bool hasCompatiblePorts(Value const& object, DmNodeDef const& existing) const;
+    /// Warns about a definition with associative ports that is not a proper
+    /// associative definition; run once its ports are read.
+    void checkAssociativity(DmNodeDef const& definition) const;
+    /// Pass 3 of an operator or terminal definition: its ports again.
+    void walkPortsAgain(std::shared_ptr<DmNodeDef> const& definition, Value const& object);
+    /// Pass 2 of a port object: makes the port and adds it to `definition`.
+    void createPort(DmNodeDef& definition, Value const& object);
+    /// Pass 3 of a port object: the default value and the feedback link.
+    void completePort(DmNodeDef& definition, Value const& object);
+    /// The type of a port or job port: missing names become undefined types,
+    /// or placeholders with an unknown-definitions support.
+    std::shared_ptr<DmBaseType const> resolvePortType(std::string_view text);
     // ---- end of operators, terminal node definitions and ports ----
 
     // ---- Compounds, nodes, connections, values, watch points: JsonReaderCompounds.cpp ----
@@ -165,6 +200,28 @@ private:
     void readReservedNodeNames(Value const& object);
     void readLoopSpecialisation(Section section, Value const& object);
     void readLoopPort(Section section, Value const& object);
+    /// The normalised `name` of a compound object; empty when it has none,
+    /// which leaves the object out of every pass.
+    static std::string compoundNameOf(Value const& object);
+    /// The section of the loop key that decides a compound's class, or kNoSection.
+    static Section loopSectionOf(Value const& object) noexcept;
+    /// The compound open on the definition stack, or null.
+    DmCompound* openCompound() const noexcept;
+    /// The definition `name` (normalised) names for a node of `compound`:
+    /// from the compound outward to the global namespace, or from the global
+    /// namespace alone after a leading "::".
+    std::shared_ptr<DmNodeDef> findNodeDefFor(DmCompound const& compound, std::string const& name) const;
+    /// Reads `terminalStates` of `object` into `states`; `owner` names the
+    /// node or compound in messages, `onCompound` says which.
+    void readTerminalStates(Value const& object, DmTerminalStates& states, std::string const& owner,
+                            bool onCompound);
+    /// Sets the terminal "<definition>::<port>" `name` on or off in `states`.
+    void applyTerminalState(DmTerminalStates& states, std::string const& name, bool enabled,
+                            std::string const& owner, bool onCompound);
+    /// The port a value or watch point path names in the open compound:
+    /// "node.port" or ".port" (the interface node), members after further
+    /// points. Null, reported, when there is none.
+    std::shared_ptr<DmPort> findPortOfPath(DmCompound const& compound, std::string const& path);
     // ---- end of compounds ----
 
     /// @name Messages
