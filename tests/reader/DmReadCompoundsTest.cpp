@@ -9,6 +9,7 @@
 #include <KestoDM/types/DmMetadataItem.h>
 
 #include "reader/CompoundReadingSupport.h"
+#include "reader/ModelComparison.h"
 
 #include <gtest/gtest.h>
 
@@ -327,4 +328,76 @@ TEST_F(DmReadCompoundsTest, TerminalStatesThatNameNoTerminalPortAreReported) {
             warning("Terminal port not found.",
                     "The port 'bad port' could not be found on the terminal node definition 'Term'.")}));
     EXPECT_TRUE(compound("c")->getDefaultTerminalStates().empty());
+}
+
+namespace {
+
+// One model in two layouts: the second file has its sections, its objects
+// and the keys of its objects in other orders.
+std::string const kWriterOrder = R"(, "types": {"structName": "Geo::Point", "structMembers": [
+        {"memberName": "x", "memberType": "int"}, {"memberName": "y", "memberType": "int"}]},
+    "compounds": [
+      {"name": "Geo::shift", "metadata": {"metaName": "author", "metaType": "string", "metaValue": "me"},
+       "ports": [{"portName": "p", "portDirection": "input", "portType": "Geo::Point"},
+                 {"portName": "q", "portDirection": "output", "portType": "Geo::Point"}],
+       "compounds": {"name": "inner", "ports": []},
+       "compoundNodes": [{"nodeName": "a", "nodeType": "Core::Graph::pass"},
+                         {"nodeName": "g", "nodeType": "Core::Array::get_from_array"},
+                         {"nodeName": "i", "nodeType": "inner"}],
+       "connections": [{"source": ".p", "target": "a.input"}, {"source": "a.output", "target": ".q"}],
+       "values": {"valueName": "g.index", "value": "2"},
+       "watchPoints": {"portName": "a.output", "enabled": "true", "parameters": {"k": "v"}},
+       "reservedNodeNames": {"name": "keep"}},
+      {"name": "Geo::loop", "ports": [
+          {"portName": "s", "portDirection": "input", "portType": "array<int>"},
+          {"portName": "t", "portDirection": "output", "portType": "array<int>"}],
+       "whileCompound": {"ports": {"portKind": "state", "inputPortName": "s", "outputPortName": "t"}}}]})";
+
+std::string const kOtherOrder = R"(, "compounds": [
+      {"whileCompound": {"ports": {"outputPortName": "t", "inputPortName": "s", "portKind": "state"}},
+       "ports": [{"portType": "array<int>", "portDirection": "input", "portName": "s"},
+                 {"portName": "t", "portType": "array<int>", "portDirection": "output"}],
+       "name": "Geo::loop"},
+      {"reservedNodeNames": [{"name": "keep"}],
+       "watchPoints": [{"parameters": [{"k": "v"}], "enabled": "true", "portName": "a.output"}],
+       "values": [{"value": "2", "valueName": "g.index"}],
+       "connections": [{"source": ".p", "target": "a.input"}, {"target": ".q", "source": "a.output"}],
+       "compoundNodes": [{"nodeType": "Core::Graph::pass", "nodeName": "a"},
+                         {"nodeName": "g", "nodeType": "Core::Array::get_from_array"},
+                         {"nodeType": "inner", "nodeName": "i"}],
+       "compounds": [{"ports": [], "name": "inner"}],
+       "ports": [{"portType": "Geo::Point", "portName": "p", "portDirection": "input"},
+                 {"portDirection": "output", "portName": "q", "portType": "Geo::Point"}],
+       "metadata": [{"metaValue": "me", "metaType": "string", "metaName": "author"}],
+       "name": "Geo::shift"}],
+    "types": [{"structMembers": [{"memberType": "int", "memberName": "x"}, {"memberName": "y", "memberType": "int"}],
+               "structName": "Geo::Point"}]})";
+
+} // namespace
+
+TEST(DmReadCompoundsOrderTest, SectionsObjectsAndKeysInAnyOrderBuildEqualModels) {
+    KestoTest::TempDir dir;
+    KestoTest::PrintingLibrary first;
+    KestoTest::PrintingLibrary second;
+    std::string const a = dir.write("a.json", "{" + KestoTest::kHeader + kWriterOrder);
+    std::string const b = dir.write("b.json", "{" + KestoTest::kHeader + kOtherOrder);
+    ASSERT_EQ(first.load("file://" + a), DmStatus::kSuccess);
+    ASSERT_EQ(second.load("file://" + b), DmStatus::kSuccess);
+    EXPECT_TRUE(first.takePrinted().empty());
+    EXPECT_TRUE(second.takePrinted().empty());
+    ASSERT_EQ(first->getCompounds().size(), 2u);
+    EXPECT_TRUE(KestoTest::equalModels(*first, *second));
+}
+
+TEST(DmReadCompoundsOrderTest, ModelComparisonTellsADifference) {
+    KestoTest::TempDir dir;
+    KestoTest::PrintingLibrary first;
+    KestoTest::PrintingLibrary second;
+    std::string other = kOtherOrder;
+    other.replace(other.find(R"("value": "2")"), 12, R"("value": "3")");
+    ASSERT_EQ(first.load("file://" + dir.write("a.json", "{" + KestoTest::kHeader + kWriterOrder)),
+              DmStatus::kSuccess);
+    ASSERT_EQ(second.load("file://" + dir.write("b.json", "{" + KestoTest::kHeader + other)),
+              DmStatus::kSuccess);
+    EXPECT_FALSE(KestoTest::equalModels(*first, *second));
 }
