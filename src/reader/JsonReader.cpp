@@ -115,6 +115,10 @@ std::string_view JsonReader::stringOf(Value const& object, std::string_view key)
     return found != nullptr && found->IsString() ? view(*found) : std::string_view();
 }
 
+bool JsonReader::isList(Value const* value) noexcept {
+    return value != nullptr && (value->IsArray() || value->IsObject());
+}
+
 bool JsonReader::booleanOf(Value const& object, std::string_view key, bool* present) noexcept {
     std::string_view const text = stringOf(object, key);
     if (present != nullptr) {

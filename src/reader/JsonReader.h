@@ -100,6 +100,8 @@ public:
     static Value const* member(Value const& object, std::string_view key) noexcept;
     /// The string of `key`; empty when absent, empty or not a string.
     static std::string_view stringOf(Value const& object, std::string_view key) noexcept;
+    /// A list of the format: an array, or one object standing for a list of one; false for null.
+    static bool isList(Value const* value) noexcept;
     /// A boolean key: present when a non-empty string, true for "true", "TRUE", "True".
     static bool booleanOf(Value const& object, std::string_view key, bool* present = nullptr) noexcept;
     /// @}

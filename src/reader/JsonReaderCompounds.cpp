@@ -58,11 +58,6 @@ std::string fullNameOf(DmNamedEntity const& entity) {
     return out;
 }
 
-/// A list key holds an array, or one object as a list of one.
-bool isListForm(Value const& value) noexcept {
-    return value.IsArray() || value.IsObject();
-}
-
 /// The objects of a list key: the array's elements, or the object itself.
 std::vector<Value const*> elementsOf(Value const& value) {
     std::vector<Value const*> out;
@@ -199,7 +194,7 @@ void JsonReader::readTerminalStates(Value const& object, DmTerminalStates& state
         return;
     }
     std::string const which = onCompound ? "compound " : "node ";
-    if (!isListForm(*list)) {
+    if (!isList(list)) {
         report(kWarning, "Invalid array format.",
                "The 'terminalStates' for " + which + quoted(owner) + " should be an array.");
         return;
@@ -390,7 +385,7 @@ void JsonReader::readCompound(Value const& object) {
         m_entities.push_back(compound);
         m_definitions.push_back(compound);
         Value const* const ports = member(object, JsonFormat::Key::kPorts);
-        if (ports == nullptr || !isListForm(*ports)) {
+        if (!isList(ports)) {
             report(kWarning, "Missing compound port interface.",
                    "The compound " + quoted(fullName) + " does not have a port interface.");
         } else {
@@ -398,14 +393,14 @@ void JsonReader::readCompound(Value const& object) {
         }
         checkAssociativity(*compound);
         Value const* const metadata = member(object, JsonFormat::Key::kMetadata);
-        if (metadata != nullptr && !isListForm(*metadata)) {
+        if (metadata != nullptr && !isList(metadata)) {
             report(kWarning, "Incorrect metadata format.",
                    "The compound " + quoted(fullName) + " has an incorrect metadata format.");
         } else {
             walkList(object, JsonFormat::Key::kMetadata, JsonFormat::kMetadata);
         }
         Value const* const reserved = member(object, JsonFormat::Key::kReservedNodeNames);
-        if (reserved != nullptr && !isListForm(*reserved)) {
+        if (reserved != nullptr && !isList(reserved)) {
             report(kError, "Incorrect reservedNodeNames format.",
                    "The compound " + quoted(fullName) + " has an incorrect reservedNodeNames format.");
         } else {
@@ -452,7 +447,7 @@ void JsonReader::readCompound(Value const& object) {
         m_entities.push_back(compound);
         m_definitions.push_back(compound);
         // A port list of the wrong form was reported once, in pass 2.
-        if (Value const* const ports = member(object, JsonFormat::Key::kPorts); ports && isListForm(*ports)) {
+        if (Value const* const ports = member(object, JsonFormat::Key::kPorts); isList(ports)) {
             walkList(object, JsonFormat::Key::kPorts, JsonFormat::kPorts);
         }
         walkList(object, JsonFormat::Key::kCompounds, JsonFormat::kCompounds);
@@ -756,8 +751,7 @@ void JsonReader::readWatchPoint(Value const& object) {
     if (present) {
         static_cast<void>(watchPoint->enable(enabled));
     }
-    if (Value const* const parameters = member(object, JsonFormat::Key::kParameters);
-        parameters != nullptr && isListForm(*parameters)) {
+    if (Value const* const parameters = member(object, JsonFormat::Key::kParameters); isList(parameters)) {
         for (Value const* one : elementsOf(*parameters)) {
             if (!one->IsObject()) {
                 continue;
@@ -786,7 +780,7 @@ void JsonReader::readLoopSpecialisation(Section section, Value const& object) {
     }
     LoopWords const words = loopWords(section);
     Value const* const ports = member(object, JsonFormat::Key::kPorts);
-    if (ports == nullptr || !isListForm(*ports)) {
+    if (!isList(ports)) {
         report(kWarning, words.title,
                std::string("The port interface in the ") + words.interface + " compound specialization of " +
                    quoted(fullNameOf(*compound)) + " should be an array or a single object.");

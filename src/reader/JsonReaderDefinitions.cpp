@@ -39,11 +39,6 @@ std::string fullNameOf(DmNamedEntity const& entity) {
     return out;
 }
 
-/// A list of the format: an array, or one object standing for a list of one.
-bool isList(Value const* value) noexcept {
-    return value != nullptr && (value->IsArray() || value->IsObject());
-}
-
 /// A value that says something: anything but null, an empty string, an
 /// empty list or an empty object.
 bool isNonEmpty(Value const* value) noexcept {
@@ -285,7 +280,7 @@ void JsonReader::readOperator(Value const& object) {
     m_definitions.push_back(definition);
     m_operators.push(definition);
 
-    if (isList(member(object, JsonFormat::Key::kPorts))) {
+    if (JsonReader::isList(member(object, JsonFormat::Key::kPorts))) {
         walkList(object, JsonFormat::Key::kPorts, JsonFormat::kPorts);
     } else {
         report(BaMessageTypes::kMessageWarning, "Missing external operator port interface.",
@@ -311,7 +306,7 @@ void JsonReader::walkPortsAgain(std::shared_ptr<DmNodeDef> const& definition, Va
     m_entities.push_back(definition);
     m_definitions.push_back(definition);
     // Pass 2 reported ports of a wrong form.
-    if (isList(member(object, JsonFormat::Key::kPorts))) {
+    if (JsonReader::isList(member(object, JsonFormat::Key::kPorts))) {
         walkList(object, JsonFormat::Key::kPorts, JsonFormat::kPorts);
     }
     m_definitions.pop_back();
@@ -364,7 +359,7 @@ void JsonReader::readTerminalNodeDef(Value const& object) {
     m_entities.push_back(definition);
     m_definitions.push_back(definition);
     m_terminalNodeDefs.push(definition);
-    if (isList(member(object, JsonFormat::Key::kPorts))) {
+    if (JsonReader::isList(member(object, JsonFormat::Key::kPorts))) {
         walkList(object, JsonFormat::Key::kPorts, JsonFormat::kPorts);
     } else {
         report(BaMessageTypes::kMessageWarning, "Missing terminal node port interface.",
@@ -526,7 +521,7 @@ void JsonReader::createPort(DmNodeDef& definition, Value const& object) {
     }
 
     Value const* const metadata = member(object, JsonFormat::Key::kMetadata);
-    if (isList(metadata)) {
+    if (JsonReader::isList(metadata)) {
         m_entities.push_back(port);
         walkList(object, JsonFormat::Key::kMetadata, JsonFormat::kMetadata);
         m_entities.pop_back();

@@ -93,7 +93,7 @@ std::shared_ptr<T> JsonReader::topEntityAs() const {
 void JsonReader::walkListOrWarn(Value const& object, std::string_view key, Section section, std::string title,
                                 std::string description) {
     Value const* const list = member(object, key);
-    if (list != nullptr && !list->IsArray() && !list->IsObject()) {
+    if (list != nullptr && !isList(list)) {
         report(BaMessageTypes::kMessageWarning, std::move(title), std::move(description));
         return;
     }
