@@ -7,7 +7,8 @@
 // process then prints VmHWM and VmRSS from /proc/self/status before it makes
 // the library, after the library is made, after loadGraph and after the
 // library is released, with the bytes that malloc still has handed out;
-// `loads` times, each time into a fresh library.
+// `loads` times, each time into a fresh library. It also counts the calls
+// of operator new during each load and the bytes they asked for.
 // The error stream of the library is a std::ostringstream; the exit status
 // is 1 when anything was printed or the load failed.
 #include <KestoDM/library/DmLibrary.h>
@@ -21,15 +22,48 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iostream>
+#include <new>
 #include <sstream>
 #include <string>
 
 namespace {
+
+/// Calls of the global operator new, and the bytes asked for, in this
+/// process and the library alike.
+std::atomic<std::size_t> s_news{0};
+std::atomic<std::size_t> s_newBytes{0};
+/// The calls by size asked for, up to kSizes - 1 bytes; larger ones in the last.
+constexpr std::size_t kSizes = 1025;
+std::atomic<std::size_t> s_newSizes[kSizes];
+
+/// The sizes that took the most bytes since `before`, a copy of s_newSizes.
+void reportSizes(std::size_t const (&before)[kSizes]) {
+    std::size_t calls[kSizes];
+    for (std::size_t size = 0; size < kSizes; ++size) {
+        calls[size] = s_newSizes[size].load() - before[size];
+    }
+    std::printf("  largest shares by size (bytes x calls):");
+    for (int shown = 0; shown < 8; ++shown) {
+        std::size_t best = 0;
+        for (std::size_t size = 1; size + 1 < kSizes; ++size) {
+            if (calls[size] * size > calls[best] * best) {
+                best = size;
+            }
+        }
+        if (calls[best] == 0) {
+            break;
+        }
+        std::printf(" %zu x %zu,", best, calls[best]);
+        calls[best] = 0;
+    }
+    std::printf(" above %zu: %zu calls\n", kSizes - 2, calls[kSizes - 1]);
+}
 
 /// The value in kB of `key` ("VmHWM", "VmRSS") in /proc/self/status, or -1.
 long statusKilobytes(std::string const& key) {
@@ -53,6 +87,24 @@ void report(char const* when) {
 }
 
 } // namespace
+
+void* operator new(std::size_t size) {
+    s_news.fetch_add(1, std::memory_order_relaxed);
+    s_newBytes.fetch_add(size, std::memory_order_relaxed);
+    s_newSizes[size < kSizes - 1 ? size : kSizes - 1].fetch_add(1, std::memory_order_relaxed);
+    if (void* const memory = std::malloc(size == 0 ? 1 : size)) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t /*size*/) noexcept {
+    std::free(memory);
+}
 
 int main(int argc, char** argv) {
     std::size_t const nodes = argc > 1 ? std::strtoul(argv[1], nullptr, 10) : 100000;
@@ -90,11 +142,20 @@ int main(int argc, char** argv) {
         auto library = Kesto::DmLibrary::newLibrary(std::make_shared<Kesto::BaContext>(), &errors,
                                                     Kesto::DmExternOperator::kSafe);
         report("library made");
+        std::size_t const news = s_news.load();
+        std::size_t const newBytes = s_newBytes.load();
+        std::size_t sizes[kSizes];
+        for (std::size_t size = 0; size < kSizes; ++size) {
+            sizes[size] = s_newSizes[size].load();
+        }
         auto const start = std::chrono::steady_clock::now();
         Kesto::DmStatus const status = library->loadGraph(path, "", Kesto::DmLibrary::LoadOptions());
         auto const elapsed =
             std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start);
         report("after loadGraph");
+        std::printf("operator new during loadGraph: %zu calls, %.1f MiB asked for\n", s_news.load() - news,
+                    static_cast<double>(s_newBytes.load() - newBytes) / (1 << 20));
+        reportSizes(sizes);
         library.reset();
         report("library released");
         std::printf("loadGraph: %.1f ms (wall clock)\n", elapsed.count());
