@@ -106,6 +106,36 @@ void operator delete(void* memory, std::size_t /*size*/) noexcept {
     std::free(memory);
 }
 
+// The nothrow and aligned forms too, so that every delete meets the new that
+// made it.
+void* operator new(std::size_t size, std::nothrow_t const& /*tag*/) noexcept {
+    try {
+        return operator new(size);
+    } catch (std::bad_alloc const&) {
+        return nullptr;
+    }
+}
+
+void* operator new(std::size_t size, std::align_val_t alignment) {
+    s_news.fetch_add(1, std::memory_order_relaxed);
+    s_newBytes.fetch_add(size, std::memory_order_relaxed);
+    s_newSizes[size < kSizes - 1 ? size : kSizes - 1].fetch_add(1, std::memory_order_relaxed);
+    auto const align = static_cast<std::size_t>(alignment);
+    if (void* const memory =
+            std::aligned_alloc(align, (size + align - 1) / align * align + (size == 0 ? align : 0))) {
+        return memory;
+    }
+    throw std::bad_alloc();
+}
+
+void operator delete(void* memory, std::align_val_t /*alignment*/) noexcept {
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t /*size*/, std::align_val_t /*alignment*/) noexcept {
+    std::free(memory);
+}
+
 int main(int argc, char** argv) {
     std::size_t const nodes = argc > 1 ? std::strtoul(argv[1], nullptr, 10) : 100000;
     bool const wide = argc > 2 && std::string(argv[2]) == "wide";
