@@ -15,7 +15,7 @@
 //                  the blocks are compounds nested in the group: a plain
 //                  one, a whileCompound, an iterateCompound and a
 //                  forEachCompound, each with its ports "i" and "o" linked by
-//                  its loop specialisation, and each holding a chain of
+//                  the ports object of its loop kind, and each holding a chain of
 //                  Bench::add nodes as above from ".i" to ".o" (the forEach
 //                  block iterates over an array and gathers one).
 //
@@ -125,7 +125,7 @@ inline void compoundTail(std::string& text, int depth) {
     text += '}';
 }
 
-/// The loop specialisation of the block kind `kind` (1 while, 2 iterate,
+/// The loop object of the block kind `kind` (1 while, 2 iterate,
 /// 3 forEach; 0 none), preceded by a comma and a line break.
 inline void loop(std::string& text, int depth, std::size_t kind) {
     static char const* const kRows[] = {
