@@ -88,6 +88,12 @@ void report(char const* when) {
 
 } // namespace
 
+// These replace the global allocation functions, so their malloc and free
+// pair up by construction; GCC cannot see that at some optimisation levels.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
+#endif
+
 void* operator new(std::size_t size) {
     s_news.fetch_add(1, std::memory_order_relaxed);
     s_newBytes.fetch_add(size, std::memory_order_relaxed);
