@@ -24,6 +24,7 @@
 
 #include "GraphChainGenerator.h"
 #include "JsonLoadBench/ReferenceParsers.h"
+#include "PairedTiming.h"
 
 #include <benchmark/benchmark.h>
 
@@ -255,32 +256,17 @@ void BM_RapidJsonReadParseWide(benchmark::State& state) {
 }
 BENCHMARK(BM_RapidJsonReadParseWide)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
-// Paired: the machine is shared and its load drifts, so each iteration runs
-// both sides, in alternating order, each timed with the thread's CPU clock.
-
-double threadSeconds() {
-    timespec now{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
+// Paired: the load and RapidJSON alone in alternation (PairedTiming.h).
 
 /// The load into a fresh library, timed without making and releasing the
 /// library; negative when it failed.
 double timedLoad(std::string const& path) {
     std::ostringstream errors;
     auto library = newLibrary(errors);
-    double const start = threadSeconds();
-    bool const ok = library->loadGraph(path, "", DmLibrary::LoadOptions()) == DmStatus::kSuccess;
-    double const elapsed = threadSeconds() - start;
+    double const elapsed = KestoBench::timed(
+        [&] { return library->loadGraph(path, "", DmLibrary::LoadOptions()) == DmStatus::kSuccess; });
     library.reset();
-    return ok ? elapsed : -1.0;
-}
-
-double timedRapidJson(std::string const& path) {
-    double const start = threadSeconds();
-    bool const ok = rapidJsonReadParse(path);
-    double const elapsed = threadSeconds() - start;
-    return ok ? elapsed : -1.0;
+    return elapsed;
 }
 
 void BM_PairLoadVsRapidJsonChain(benchmark::State& state) {
@@ -288,32 +274,9 @@ void BM_PairLoadVsRapidJsonChain(benchmark::State& state) {
     if (path == nullptr) {
         return;
     }
-    double totalLoad = 0;
-    double totalRapidJson = 0;
-    bool loadFirst = true;
-    for (auto _ : state) {
-        double load = 0;
-        double rapid = 0;
-        if (loadFirst) {
-            load = timedLoad(*path);
-            rapid = timedRapidJson(*path);
-        } else {
-            rapid = timedRapidJson(*path);
-            load = timedLoad(*path);
-        }
-        if (load < 0 || rapid < 0) {
-            state.SkipWithError("a side failed");
-            return;
-        }
-        loadFirst = !loadFirst;
-        totalLoad += load;
-        totalRapidJson += rapid;
-        state.SetIterationTime(load + rapid);
-    }
-    auto const iterations = static_cast<double>(state.iterations());
-    state.counters["ratio"] = totalLoad / totalRapidJson;
-    state.counters["load_ms"] = totalLoad / iterations * 1e3;
-    state.counters["rapidjson_ms"] = totalRapidJson / iterations * 1e3;
+    KestoBench::paired(
+        state, [path] { return timedLoad(*path); },
+        [path] { return KestoBench::timed([path] { return rapidJsonReadParse(*path); }); });
     reportShape(state, Shape::kChain, false);
 }
 BENCHMARK(BM_PairLoadVsRapidJsonChain)->Arg(100000)->UseManualTime()->Unit(benchmark::kMillisecond);
