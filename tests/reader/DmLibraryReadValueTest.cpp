@@ -19,26 +19,16 @@
 using namespace Kesto;
 using namespace Kesto::ValueTest;
 using KestoTest::badlyFormed;
+using KestoTest::dataOf;
 using KestoTest::Message;
 using KestoTest::outOfRange;
+using KestoTest::parseError;
 using KestoTest::valueError;
 using KestoTest::valueWarning;
 
 namespace {
 
 using Messages = std::vector<Message>;
-
-template <class T>
-T dataOf(std::shared_ptr<DmBaseValue> const& value) {
-    auto const typed = std::dynamic_pointer_cast<DmBuiltInValue<T>>(value);
-    EXPECT_NE(typed, nullptr);
-    return typed ? typed->getData() : T();
-}
-
-Message parseError(std::string const& position, std::string const& what) {
-    return Message{BaMessageTypes::kMessageError, "<value>", "Asset has parsing errors.",
-                   "Failed to parse <value> at position " + position + ": " + what};
-}
 
 std::shared_ptr<DmStructType> pointType() {
     return makeStructType("Point", {{"x", DmLibrary::getIntType()}, {"y", DmLibrary::getIntType()}});

@@ -18,16 +18,12 @@
 
 using namespace Kesto;
 using KestoTest::Message;
+using KestoTest::parseError;
 using KestoTest::serializedDataError;
 
 namespace {
 
 using Messages = std::vector<Message>;
-
-Message parseError(std::string const& position, std::string const& what) {
-    return Message{BaMessageTypes::kMessageError, "<value>", "Asset has parsing errors.",
-                   "Failed to parse <value> at position " + position + ": " + what};
-}
 
 } // namespace
 

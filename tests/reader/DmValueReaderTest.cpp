@@ -26,6 +26,7 @@
 using namespace Kesto;
 using namespace Kesto::ValueTest;
 using KestoTest::badlyFormed;
+using KestoTest::dataOf;
 using KestoTest::Message;
 using KestoTest::outOfRange;
 using KestoTest::serializedDataError;
@@ -35,14 +36,6 @@ using KestoTest::valueWarning;
 namespace {
 
 using Messages = std::vector<Message>;
-
-/// The datum of a built-in value of T.
-template <class T>
-T dataOf(std::shared_ptr<DmBaseValue> const& value) {
-    auto const typed = std::dynamic_pointer_cast<DmBuiltInValue<T>>(value);
-    EXPECT_NE(typed, nullptr);
-    return typed ? typed->getData() : T();
-}
 
 /// The datum of element `index` of an array value of T elements.
 template <class T>

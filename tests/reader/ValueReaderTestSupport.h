@@ -16,6 +16,7 @@
 #include <KestoDM/platform/BaMessageTypes.h>
 #include <KestoDM/platform/BaSharedLibraryManager.h>
 #include <KestoDM/types/DmArrayValue.h>
+#include <KestoDM/types/DmBuiltInValue.h>
 #include <KestoDM/types/DmClassSerialization.h>
 #include <KestoDM/types/DmClassType.h>
 #include <KestoDM/types/DmClassValue.h>
@@ -67,6 +68,20 @@ inline Message badlyFormed(std::string const& text) {
 
 inline Message outOfRange(std::string const& text) {
     return valueWarning("Out-of-range value.", "The value '" + text + "' is out-of-range.");
+}
+
+/// The parse error of a value text, at `position` ("1:4").
+inline Message parseError(std::string const& position, std::string const& what) {
+    return Message{Kesto::BaMessageTypes::kMessageError, "<value>", "Asset has parsing errors.",
+                   "Failed to parse <value> at position " + position + ": " + what};
+}
+
+/// The datum of a built-in value of T.
+template <class T>
+T dataOf(std::shared_ptr<Kesto::DmBaseValue> const& value) {
+    auto const typed = std::dynamic_pointer_cast<Kesto::DmBuiltInValue<T>>(value);
+    EXPECT_NE(typed, nullptr);
+    return typed ? typed->getData() : T();
 }
 
 inline Message serializedDataError(std::string text) {
