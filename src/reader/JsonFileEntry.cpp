@@ -40,11 +40,7 @@ bool anyObject(Value const& value, Test const& test) {
 JsonFileEntry::JsonFileEntry(JsonReadContext context) : m_context(std::move(context)) {}
 
 void JsonFileEntry::report(int category, std::string title, std::string description) const {
-    if (m_context.logger) {
-        m_context.logger->reportMessage(std::make_shared<DmMessageReport>(
-            static_cast<BaMessageTypes::MessageCategory>(category),
-            m_context.uri ? m_context.uri->getName() : "<json>", std::move(title), std::move(description)));
-    }
+    reportAboutFile(m_context, category, std::move(title), std::move(description));
 }
 
 DmStatus JsonFileEntry::assetFailure() const {

@@ -127,16 +127,25 @@ bool JsonReader::booleanOf(Value const& object, std::string_view key, bool* pres
     return JsonFormat::isTrueText(text);
 }
 
+std::string fileLocation(JsonReadContext const& context) {
+    return context.uri ? context.uri->getName() : "<json>";
+}
+
+void reportAboutFile(JsonReadContext const& context, int category, std::string title,
+                     std::string description) {
+    if (context.logger) {
+        context.logger->reportMessage(std::make_shared<DmMessageReport>(
+            static_cast<BaMessageTypes::MessageCategory>(category), fileLocation(context), std::move(title),
+            std::move(description)));
+    }
+}
+
 std::string JsonReader::location() const {
-    return m_context.uri ? m_context.uri->getName() : "<json>";
+    return fileLocation(m_context);
 }
 
 void JsonReader::report(int category, std::string title, std::string description) const {
-    if (m_context.logger) {
-        m_context.logger->reportMessage(
-            std::make_shared<DmMessageReport>(static_cast<BaMessageTypes::MessageCategory>(category),
-                                              location(), std::move(title), std::move(description)));
-    }
+    reportAboutFile(m_context, category, std::move(title), std::move(description));
 }
 
 void JsonReader::reportBadlyFormed() const {

@@ -54,6 +54,12 @@ struct JsonReadContext {
     static constexpr unsigned kMaxDependencyDepth = 200;
 };
 
+/// What the messages of a read are about: the file's URI ("file:///a.json").
+KESTODM_API std::string fileLocation(JsonReadContext const& context);
+/// Reports a message of the read of `context`'s file to its logger, if any.
+KESTODM_API void reportAboutFile(JsonReadContext const& context, int category, std::string title,
+                                 std::string description);
+
 /// A list that the early passes fill and the later ones drain in order; each
 /// pass starts again from the first element.
 template <class T>
