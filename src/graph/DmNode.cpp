@@ -229,7 +229,9 @@ bool DmNode::replacePort(std::shared_ptr<DmPortDescription> const& port, bool in
     std::shared_ptr<DmPortDescription> description = port;
     if (invertDirections) {
         description = invertedClone(*port);
-        port->getMetadata()->clone(description->getMetadata());
+        if (port->hasMetadata()) {
+            port->getMetadata()->clone(description->getMetadata());
+        }
         DmPortDescription* const old = current->getPortDescription().get();
         if (DmPortDescription* const partner = old->getLinkedPort()) {
             IterationAttribute const attribute = old->getIterationAttribute();

@@ -98,8 +98,7 @@ DmMetadataItem::DmMetadataItem(std::string name, std::shared_ptr<DmBaseValue> va
 DmMetadataItem::~DmMetadataItem() = default;
 
 bool DmMetadataItem::isLeaf() const {
-    std::shared_ptr<DmMetadata> const& children = getMetadata();
-    return !children || children->isEmpty();
+    return !hasMetadata();
 }
 
 void DmMetadataItem::clear() noexcept {
@@ -273,8 +272,8 @@ std::shared_ptr<DmMetadataItem> DmMetadataItem::clone() const {
     if (m_value) {
         copy->m_value = m_value->clone();
     }
-    if (std::shared_ptr<DmMetadata> const& children = getMetadata()) {
-        children->clone(copy->getMetadata());
+    if (hasMetadata()) {
+        getMetadata()->clone(copy->getMetadata());
     }
     return copy;
 }

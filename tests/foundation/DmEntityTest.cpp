@@ -1,11 +1,13 @@
 #include <KestoDM/foundation/DmEntity.h>
 #include <KestoDM/types/DmMetadata.h>
+#include <KestoDM/types/DmMetadataItem.h>
 
 #include "TestEntities.h"
 
 #include <gtest/gtest.h>
 
 using KestoTest::TestEntity;
+using DmMetadataHolder = std::shared_ptr<Kesto::DmMetadata>;
 
 TEST(DmEntity, StartsWithFreshEmptyMetadata) {
     TestEntity a("a");
@@ -13,6 +15,32 @@ TEST(DmEntity, StartsWithFreshEmptyMetadata) {
     ASSERT_NE(a.getMetadata(), nullptr);
     EXPECT_TRUE(a.getMetadata()->isEmpty());
     EXPECT_NE(a.getMetadata(), b.getMetadata());
+}
+
+TEST(DmEntity, MakesItsMetadataOnlyWhenAsked) {
+    unsigned int const before = Kesto::DmInstanceCounter<Kesto::DmMetadata>::getInstanceCount();
+    TestEntity entity("a");
+    EXPECT_FALSE(entity.hasMetadata());
+    EXPECT_EQ(Kesto::DmInstanceCounter<Kesto::DmMetadata>::getInstanceCount(), before);
+    DmMetadataHolder const& asked = entity.getMetadata();
+    EXPECT_EQ(Kesto::DmInstanceCounter<Kesto::DmMetadata>::getInstanceCount(), before + 1);
+    EXPECT_EQ(&entity.getMetadata(), &asked);
+    EXPECT_FALSE(entity.hasMetadata());
+}
+
+TEST(DmEntity, HasMetadataOnceAnItemIsAdded) {
+    TestEntity entity("a");
+    ASSERT_EQ(entity.getMetadata()->add(std::make_shared<Kesto::DmMetadataItem>("k", "v")),
+              Kesto::DmStatus::kSuccess);
+    EXPECT_TRUE(entity.hasMetadata());
+}
+
+TEST(DmEntity, MoveOfAnEntityThatNeverAskedLeavesBothWithoutItems) {
+    TestEntity source("a");
+    TestEntity const moved(std::move(source));
+    EXPECT_FALSE(moved.hasMetadata());
+    ASSERT_NE(moved.getMetadata(), nullptr);
+    EXPECT_EQ(source.getMetadata(), nullptr); // NOLINT(bugprone-use-after-move): the move empties it
 }
 
 TEST(DmEntity, KeepsTheGivenCompleteness) {

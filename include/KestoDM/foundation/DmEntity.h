@@ -3,6 +3,7 @@
 #include <KestoDM/foundation/DmInstanceCounter.h>
 #include <KestoDM/platform/DmExport.h>
 
+#include <atomic>
 #include <memory>
 
 namespace Kesto {
@@ -19,9 +20,18 @@ public:
 
     /// @name Queries
     /// @{
-    /// The metadata tree; shared with copies of this entity.
-    std::shared_ptr<DmMetadata> const& getMetadata() const noexcept { return m_metadata; }
-    std::shared_ptr<DmMetadata>& getMetadata() noexcept { return m_metadata; }
+    /// The metadata tree; shared with copies of this entity. It is made at
+    /// the first call (most entities of a graph never carry metadata), safely
+    /// also on entities that several threads read.
+    std::shared_ptr<DmMetadata> const& getMetadata() const {
+        return m_metadataMade.load(std::memory_order_acquire) ? m_metadata : makeMetadata();
+    }
+    std::shared_ptr<DmMetadata>& getMetadata() {
+        static_cast<DmEntity const&>(*this).getMetadata();
+        return m_metadata;
+    }
+    /// Whether the metadata tree holds an item; asks without making the tree.
+    bool hasMetadata() const;
 
     virtual bool isValid() const;
     virtual bool isComplete() const;
@@ -44,7 +54,10 @@ protected:
     virtual ~DmEntity();
 
 private:
-    std::shared_ptr<DmMetadata> m_metadata;
+    std::shared_ptr<DmMetadata> const& makeMetadata() const;
+
+    mutable std::shared_ptr<DmMetadata> m_metadata;
+    mutable std::atomic<bool> m_metadataMade{false};
     bool m_complete;
     bool m_const = false;
 };
