@@ -307,3 +307,102 @@ TEST(LinkedHashMap, WorksWithDefaultHashAndNonStringKeys) {
     EXPECT_EQ(keys, (std::vector<int>{3, 1, 2}));
     EXPECT_EQ(map.at(1), "one");
 }
+
+TEST(LinkedHashMap, EmptyMapHasEqualBeginAndEndAndFindsNothing) {
+    Map map;
+    Map const& constMap = map;
+    EXPECT_TRUE(map.begin() == map.end());
+    EXPECT_TRUE(constMap.begin() == constMap.end());
+    EXPECT_TRUE(map.find("a") == map.end());
+    EXPECT_TRUE(constMap.find("a") == constMap.end());
+    EXPECT_EQ(map.erase("a"), 0u);
+    EXPECT_EQ(map.count("a"), 0u);
+    EXPECT_FLOAT_EQ(map.max_load_factor(), 1.0f);
+}
+
+TEST(LinkedHashMap, ClearedMapTakesNewEntries) {
+    Map map{{"a", 1}, {"b", 2}};
+    map.clear();
+    EXPECT_TRUE(map.begin() == map.end());
+    map.insert("b", 3);
+    EXPECT_EQ(keysOf(map), (Keys{"b"}));
+    EXPECT_EQ(map.at("b"), 3);
+}
+
+TEST(LinkedHashMap, CopyOfEmptyMapIsEmptyAndIndependent) {
+    Map original;
+    Map copy(original);
+    copy.insert("a", 1);
+    EXPECT_TRUE(original.empty());
+    EXPECT_EQ(copy.size(), 1u);
+}
+
+TEST(LinkedHashMap, MovedFromMapIsEmpty) {
+    Map source{{"a", 1}};
+    Map target(std::move(source));
+    EXPECT_EQ(keysOf(target), (Keys{"a"}));
+    EXPECT_TRUE(source.empty()); // NOLINT(bugprone-use-after-move): a moved map is empty
+    EXPECT_TRUE(source.begin() == source.end());
+}
+
+// Small maps are searched along their list; from nine entries on, buckets
+// index them. Every operation must give the same answers on both sides.
+TEST(LinkedHashMap, LookupsEraseAndRekeyWorkAcrossTheGrowthToBuckets) {
+    for (int size = 1; size <= 40; ++size) {
+        Map map;
+        for (int i = 0; i < size; ++i)
+            map.insert("k" + std::to_string(i), i);
+        for (int i = 0; i < size; ++i)
+            ASSERT_EQ(map.at("k" + std::to_string(i)), i) << size;
+        EXPECT_FALSE(map.contains("k" + std::to_string(size)));
+        ASSERT_TRUE(map.rekey(map.find("k0"), "renamed"));
+        EXPECT_FALSE(map.contains("k0"));
+        EXPECT_EQ(map.at("renamed"), 0);
+        EXPECT_EQ(map.begin()->first, "renamed");
+        EXPECT_EQ(map.erase("renamed"), 1u);
+        EXPECT_EQ(map.size(), static_cast<std::size_t>(size - 1));
+        for (int i = 1; i < size; ++i)
+            ASSERT_EQ(map.at("k" + std::to_string(i)), i) << size;
+    }
+}
+
+TEST(LinkedHashMap, ReferencesStayValidWhileTheMapGrows) {
+    Map map;
+    int& first = map["first"];
+    first = 5;
+    for (int i = 0; i < 1000; ++i)
+        map.insert("k" + std::to_string(i), i);
+    EXPECT_EQ(&map.at("first"), &first);
+    EXPECT_EQ(first, 5);
+}
+
+TEST(LinkedHashMap, IteratesBackwardsFromEnd) {
+    Map map{{"a", 1}, {"b", 2}, {"c", 3}};
+    Keys backwards;
+    for (auto it = map.end(); it != map.begin();) {
+        --it;
+        backwards.push_back(it->first);
+    }
+    EXPECT_EQ(backwards, (Keys{"c", "b", "a"}));
+}
+
+TEST(LinkedHashMap, RelocateWithinABucketedMapKeepsLookups) {
+    Map map;
+    for (int i = 0; i < 20; ++i)
+        map.insert("k" + std::to_string(i), i);
+    map.relocate(map.begin(), map.find("k19"));
+    EXPECT_EQ(map.begin()->first, "k19");
+    EXPECT_EQ(map.at("k19"), 19);
+    EXPECT_EQ(map.size(), 20u);
+}
+
+TEST(LinkedHashMap, PointerKeysSpreadOverBuckets) {
+    std::vector<std::unique_ptr<int>> owners;
+    LinkedHashMap<int const*, int> map;
+    for (int i = 0; i < 5000; ++i) {
+        owners.push_back(std::make_unique<int>(i));
+        map.insert(owners.back().get(), i);
+    }
+    for (int i = 0; i < 5000; ++i)
+        ASSERT_EQ(map.at(owners[static_cast<std::size_t>(i)].get()), i);
+}

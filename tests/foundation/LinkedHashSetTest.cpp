@@ -120,3 +120,35 @@ TEST(LinkedHashSet, WorksWithDefaultHash) {
     LinkedHashSet<int> set{5, 3, 9, 3};
     EXPECT_EQ(std::vector<int>(set.begin(), set.end()), (std::vector<int>{5, 3, 9}));
 }
+
+TEST(LinkedHashSet, EmptySetHasEqualBeginAndEndAndErasesNothing) {
+    LinkedHashSet<int> set;
+    EXPECT_TRUE(set.begin() == set.end());
+    EXPECT_TRUE(set.find(1) == set.end());
+    EXPECT_EQ(set.erase(1), 0u);
+    EXPECT_FALSE(set.contains(1));
+}
+
+TEST(LinkedHashSet, LookupsAndEraseWorkAcrossTheGrowthToBuckets) {
+    for (int size = 1; size <= 40; ++size) {
+        LinkedHashSet<int> set;
+        for (int i = 0; i < size; ++i)
+            set.insert(i * 16);
+        for (int i = 0; i < size; ++i)
+            ASSERT_TRUE(set.contains(i * 16)) << size;
+        EXPECT_FALSE(set.contains(size * 16));
+        EXPECT_EQ(set.erase(0), 1u);
+        EXPECT_EQ(set.size(), static_cast<std::size_t>(size - 1));
+        for (int i = 1; i < size; ++i)
+            ASSERT_TRUE(set.contains(i * 16)) << size;
+    }
+}
+
+TEST(LinkedHashSet, CopyIsIndependent) {
+    LinkedHashSet<int> original{1, 2};
+    LinkedHashSet<int> copy(original);
+    copy.insert(3);
+    copy.erase(1);
+    EXPECT_EQ(std::vector<int>(original.begin(), original.end()), (std::vector<int>{1, 2}));
+    EXPECT_EQ(std::vector<int>(copy.begin(), copy.end()), (std::vector<int>{2, 3}));
+}

@@ -103,10 +103,8 @@ private:
         Key const& operator()(map_entry const& entry) const noexcept { return entry.key(); }
     };
 
-    using container_type = detail::LinkedHashContainer<map_entry, KeyOf, Hash, Equal, Allocator>;
-    using order_index = typename container_type::template index<detail::LinkedHashByOrder>::type;
-    using key_index = typename container_type::template index<detail::LinkedHashByKey>::type;
-    using order_iterator = typename order_index::iterator;
+    using container_type = detail::LinkedHashTable<map_entry, KeyOf, Hash, Equal, Allocator>;
+    using order_iterator = typename container_type::iterator;
 
     template <bool IsConst>
     class basic_iterator
@@ -141,35 +139,38 @@ public:
 
     /// @name Iteration, in order
     /// @{
-    iterator begin() noexcept { return iterator(order().begin()); }
-    iterator end() noexcept { return iterator(order().end()); }
-    const_iterator begin() const noexcept { return const_iterator(order().begin()); }
-    const_iterator end() const noexcept { return const_iterator(order().end()); }
+    iterator begin() noexcept { return iterator(made() ? made()->begin() : order_iterator()); }
+    iterator end() noexcept { return iterator(made() ? made()->end() : order_iterator()); }
+    const_iterator begin() const noexcept {
+        return const_iterator(made() ? made()->begin() : order_iterator());
+    }
+    const_iterator end() const noexcept { return const_iterator(made() ? made()->end() : order_iterator()); }
     const_iterator cbegin() const noexcept { return begin(); }
     const_iterator cend() const noexcept { return end(); }
     /// @}
 
-    size_type size() const noexcept { return m_container.size(); }
-    bool empty() const noexcept { return m_container.empty(); }
-    void clear() noexcept { m_container.clear(); }
+    size_type size() const noexcept { return made() ? made()->size() : 0; }
+    bool empty() const noexcept { return size() == 0; }
+    /// Erases every entry and gives the memory of the table back.
+    void clear() noexcept { m_container.reset(); }
 
     /// @name Lookup
     /// @{
-    iterator find(Key const& key) { return toIterator(byKey().find(key)); }
-    const_iterator find(Key const& key) const { return toIterator(byKey().find(key)); }
+    iterator find(Key const& key) { return findImpl(*this, key); }
+    const_iterator find(Key const& key) const { return findImpl(*this, key); }
     template <class CompatibleKey>
     iterator find(CompatibleKey const& key) {
-        return toIterator(byKey().find(key));
+        return findImpl(*this, key);
     }
     template <class CompatibleKey>
     const_iterator find(CompatibleKey const& key) const {
-        return toIterator(byKey().find(key));
+        return findImpl(*this, key);
     }
 
-    size_type count(Key const& key) const { return byKey().count(key); }
+    size_type count(Key const& key) const { return find(key) != end() ? 1 : 0; }
     template <class CompatibleKey>
     size_type count(CompatibleKey const& key) const {
-        return byKey().count(key);
+        return find(key) != end() ? 1 : 0;
     }
     bool contains(Key const& key) const { return count(key) != 0; }
     template <class CompatibleKey>
@@ -203,75 +204,80 @@ public:
         return insert(std::move(entry.first), std::move(entry.second));
     }
     std::pair<iterator, bool> insert(Key key, Value value) {
-        auto result = order().emplace_back(std::in_place, std::move(key), std::move(value));
+        auto result = m_container.get().emplace_back(std::in_place, std::move(key), std::move(value));
         return {iterator(result.first), result.second};
     }
 
     /// The number of entries erased, 0 or 1.
-    size_type erase(Key const& key) { return byKey().erase(key); }
+    size_type erase(Key const& key) {
+        iterator const found = find(key);
+        if (found == end())
+            return 0;
+        erase(found);
+        return 1;
+    }
     /// Erases the entry and returns the one after it.
-    iterator erase(const_iterator position) { return iterator(order().erase(position.base())); }
+    iterator erase(const_iterator position) { return iterator(m_container.get().erase(position.base())); }
     iterator erase(iterator position) { return erase(const_iterator(position)); }
 
     /// Moves `entry` in front of `position` (to the back for end()).
     void relocate(const_iterator position, const_iterator entry) {
-        order().relocate(position.base(), entry.base());
+        m_container.get().relocate(position.base(), entry.base());
     }
 
     /// Gives the entry a new key and keeps its place, value and iterators.
     /// False, and nothing changes, when another entry has the key. Should
     /// moving the key or value throw, the entry is erased.
     bool rekey(const_iterator entry, Key newKey) {
-        auto const holder = byKey().find(newKey);
-        if (holder != byKey().end())
-            return m_container.template project<detail::LinkedHashByOrder>(holder) == entry.base();
-        return order().modify(entry.base(), [&newKey](map_entry& e) { e.rekey(std::move(newKey)); });
+        container_type& container = m_container.get();
+        auto const holder = container.find(newKey);
+        if (holder != container.end())
+            return holder == entry.base();
+        container.rekey(entry.base(), [&newKey](map_entry& e) { e.rekey(std::move(newKey)); });
+        return true;
     }
     /// @}
 
     /// @name Hashing
     /// @{
-    void reserve(size_type n) { byKey().reserve(n); }
-    float max_load_factor() const noexcept { return byKey().max_load_factor(); }
-    void max_load_factor(float factor) { byKey().max_load_factor(factor); }
+    void reserve(size_type n) { m_container.get().reserve(n); }
+    float max_load_factor() const noexcept { return made() ? made()->max_load_factor() : 1.0f; }
+    void max_load_factor(float factor) { m_container.get().max_load_factor(factor); }
     /// @}
 
-    void swap(LinkedHashMap& other) { m_container.swap(other.m_container); }
+    void swap(LinkedHashMap& other) noexcept { m_container.swap(other.m_container); }
 
 private:
-    order_index& order() noexcept { return m_container.template get<detail::LinkedHashByOrder>(); }
-    order_index const& order() const noexcept {
-        return m_container.template get<detail::LinkedHashByOrder>();
-    }
-    key_index& byKey() noexcept { return m_container.template get<detail::LinkedHashByKey>(); }
-    key_index const& byKey() const noexcept { return m_container.template get<detail::LinkedHashByKey>(); }
+    container_type* made() const noexcept { return m_container.peek(); }
 
-    iterator toIterator(typename key_index::iterator it) {
-        return iterator(m_container.template project<detail::LinkedHashByOrder>(it));
-    }
-    const_iterator toIterator(typename key_index::const_iterator it) const {
-        return const_iterator(m_container.template project<detail::LinkedHashByOrder>(it));
+    template <class Self, class K>
+    static auto findImpl(Self& self, K const& key) -> decltype(self.end()) {
+        container_type* const container = self.made();
+        if (!container)
+            return self.end();
+        return decltype(self.end())(container->find(key));
     }
 
     template <class Self, class K>
     static auto& atImpl(Self& self, K const& key) {
-        auto const it = self.byKey().find(key);
-        if (it == self.byKey().end())
+        auto const it = findImpl(self, key);
+        if (it == self.end())
             throw "invalid LinkedHashMap key";
-        return it->get().second;
+        return it->second;
     }
 
     template <class K>
     Value& subscript(K&& key) {
-        auto const it = byKey().find(key);
-        if (it != byKey().end())
-            return it->get().second;
-        auto result = order().emplace_back(std::in_place, std::piecewise_construct,
+        auto const it = findImpl(*this, key);
+        if (it != end())
+            return it->second;
+        auto result =
+            m_container.get().emplace_back(std::in_place, std::piecewise_construct,
                                            std::forward_as_tuple(std::forward<K>(key)), std::tuple<>());
         return result.first->get().second;
     }
 
-    container_type m_container;
+    detail::LazyContainer<container_type> m_container;
 };
 
 template <class Key, class Value, class Hash, class Equal, class Allocator>

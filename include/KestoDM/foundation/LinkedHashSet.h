@@ -2,8 +2,6 @@
 
 #include <KestoDM/foundation/detail/LinkedHashContainer.h>
 
-#include <boost/multi_index/identity.hpp>
-
 #include <cstddef>
 #include <functional>
 #include <initializer_list>
@@ -18,10 +16,13 @@ namespace Kesto {
 template <class Key, class Hash = std::hash<Key>, class Equal = std::equal_to<Key>,
           class Allocator = std::allocator<Key>>
 class LinkedHashSet {
-    using container_type =
-        detail::LinkedHashContainer<Key, boost::multi_index::identity<Key>, Hash, Equal, Allocator>;
-    using order_index = typename container_type::template index<detail::LinkedHashByOrder>::type;
-    using key_index = typename container_type::template index<detail::LinkedHashByKey>::type;
+    // The keys are stored const: a key found through an iterator is never
+    // changed behind the table's back.
+    struct KeyOf {
+        Key const& operator()(Key const& key) const noexcept { return key; }
+    };
+    using container_type = detail::LinkedHashTable<Key const, KeyOf, Hash, Equal, Allocator>;
+    using table_iterator = typename container_type::iterator;
 
 public:
     using key_type = Key;
@@ -33,7 +34,7 @@ public:
     using allocator_type = Allocator;
     using reference = Key const&;
     using const_reference = Key const&;
-    using iterator = typename order_index::const_iterator;
+    using iterator = table_iterator;
     using const_iterator = iterator;
 
     LinkedHashSet() = default;
@@ -42,26 +43,27 @@ public:
             insert(key);
     }
 
-    iterator begin() const noexcept { return order().begin(); }
-    iterator end() const noexcept { return order().end(); }
+    iterator begin() const noexcept { return made() ? made()->begin() : iterator(); }
+    iterator end() const noexcept { return made() ? made()->end() : iterator(); }
     iterator cbegin() const noexcept { return begin(); }
     iterator cend() const noexcept { return end(); }
 
-    size_type size() const noexcept { return m_container.size(); }
-    bool empty() const noexcept { return m_container.empty(); }
-    void clear() noexcept { m_container.clear(); }
+    size_type size() const noexcept { return made() ? made()->size() : 0; }
+    bool empty() const noexcept { return size() == 0; }
+    /// Erases every key and gives the memory of the table back.
+    void clear() noexcept { m_container.reset(); }
 
     /// @name Lookup; also with any key type that Hash and Equal accept
     /// @{
-    iterator find(Key const& key) const { return toIterator(byKey().find(key)); }
+    iterator find(Key const& key) const { return findImpl(key); }
     template <class CompatibleKey>
     iterator find(CompatibleKey const& key) const {
-        return toIterator(byKey().find(key));
+        return findImpl(key);
     }
-    size_type count(Key const& key) const { return byKey().count(key); }
+    size_type count(Key const& key) const { return find(key) != end() ? 1 : 0; }
     template <class CompatibleKey>
     size_type count(CompatibleKey const& key) const {
-        return byKey().count(key);
+        return find(key) != end() ? 1 : 0;
     }
     bool contains(Key const& key) const { return count(key) != 0; }
     template <class CompatibleKey>
@@ -73,35 +75,38 @@ public:
     /// @name Edits
     /// @{
     /// Appends the key; a present key keeps its place and the result says false.
-    std::pair<iterator, bool> insert(Key key) { return order().push_back(std::move(key)); }
+    std::pair<iterator, bool> insert(Key key) { return m_container.get().emplace_back(std::move(key)); }
 
-    size_type erase(Key const& key) { return byKey().erase(key); }
+    size_type erase(Key const& key) {
+        iterator const found = find(key);
+        if (found == end())
+            return 0;
+        erase(found);
+        return 1;
+    }
     /// Erases the key and returns the one after it.
-    iterator erase(iterator position) { return order().erase(position); }
+    iterator erase(iterator position) { return m_container.get().erase(position); }
 
     /// Moves `key` in front of `position` (to the back for end()).
-    void relocate(iterator position, iterator key) { order().relocate(position, key); }
+    void relocate(iterator position, iterator key) { m_container.get().relocate(position, key); }
     /// @}
 
-    void reserve(size_type n) { byKey().reserve(n); }
-    float max_load_factor() const noexcept { return byKey().max_load_factor(); }
-    void max_load_factor(float factor) { byKey().max_load_factor(factor); }
+    void reserve(size_type n) { m_container.get().reserve(n); }
+    float max_load_factor() const noexcept { return made() ? made()->max_load_factor() : 1.0f; }
+    void max_load_factor(float factor) { m_container.get().max_load_factor(factor); }
 
-    void swap(LinkedHashSet& other) { m_container.swap(other.m_container); }
+    void swap(LinkedHashSet& other) noexcept { m_container.swap(other.m_container); }
 
 private:
-    order_index& order() noexcept { return m_container.template get<detail::LinkedHashByOrder>(); }
-    order_index const& order() const noexcept {
-        return m_container.template get<detail::LinkedHashByOrder>();
-    }
-    key_index& byKey() noexcept { return m_container.template get<detail::LinkedHashByKey>(); }
-    key_index const& byKey() const noexcept { return m_container.template get<detail::LinkedHashByKey>(); }
+    container_type* made() const noexcept { return m_container.peek(); }
 
-    iterator toIterator(typename key_index::const_iterator it) const {
-        return m_container.template project<detail::LinkedHashByOrder>(it);
+    template <class K>
+    iterator findImpl(K const& key) const {
+        container_type* const container = made();
+        return container ? container->find(key) : iterator();
     }
 
-    container_type m_container;
+    detail::LazyContainer<container_type> m_container;
 };
 
 template <class Key, class Hash, class Equal, class Allocator>

@@ -1,28 +1,335 @@
 #pragma once
 
-#include <boost/multi_index/hashed_index.hpp>
-#include <boost/multi_index/sequenced_index.hpp>
-#include <boost/multi_index_container.hpp>
-
+#include <cstddef>
+#include <cstdint>
+#include <iterator>
 #include <memory>
+#include <new>
+#include <type_traits>
+#include <utility>
 
 namespace Kesto {
 namespace detail {
 
-/// Index tags: the hashed index finds an element by its key, the sequenced
-/// index keeps the order of insertion.
-struct LinkedHashByKey {};
-struct LinkedHashByOrder {};
+/// The table behind LinkedHashMap and LinkedHashSet: nodes on a circular list
+/// in insertion order, found through hash chains.
+///
+/// Most tables of a graph are small (the ports of a node, the far ends of a
+/// port), so a table of up to kLinearLimit entries has no buckets: a lookup
+/// walks the list and compares stored hashes first. Above that a bucket
+/// array, a power of two, indexes the chains. Nodes never move: iterators and
+/// references stay valid until their entry is erased. The table is held
+/// through a pointer by its owners, so the list's head never moves either.
+template <class Value, class KeyOf, class Hash, class Equal, class Allocator>
+class LinkedHashTable {
+    struct Link {
+        Link* prev;
+        Link* next;
+    };
+    struct Node : Link {
+        template <class... Args>
+        explicit Node(Args&&... args) : value(std::forward<Args>(args)...) {}
+        Node* chain = nullptr;
+        std::size_t hash = 0;
+        Value value;
+    };
+    using NodeAllocator = typename std::allocator_traits<Allocator>::template rebind_alloc<Node>;
+    using NodeTraits = std::allocator_traits<NodeAllocator>;
 
-/// The container behind LinkedHashMap and LinkedHashSet. `Allocator` may be an
-/// allocator of any type; it is rebound to `Element`.
-template <class Element, class KeyOf, class Hash, class Equal, class Allocator>
-using LinkedHashContainer = boost::multi_index_container<
-    Element,
-    boost::multi_index::indexed_by<
-        boost::multi_index::hashed_unique<boost::multi_index::tag<LinkedHashByKey>, KeyOf, Hash, Equal>,
-        boost::multi_index::sequenced<boost::multi_index::tag<LinkedHashByOrder>>>,
-    typename std::allocator_traits<Allocator>::template rebind_alloc<Element>>;
+public:
+    static constexpr std::size_t kLinearLimit = 8;
+
+    /// A bidirectional iterator over the list; end() is the head.
+    class iterator {
+    public:
+        using iterator_category = std::bidirectional_iterator_tag;
+        using value_type = Value;
+        using difference_type = std::ptrdiff_t;
+        using pointer = Value*;
+        using reference = Value&;
+
+        iterator() noexcept = default;
+        explicit iterator(Link* link) noexcept : m_link(link) {}
+
+        Value& operator*() const noexcept { return static_cast<Node*>(m_link)->value; }
+        Value* operator->() const noexcept { return &static_cast<Node*>(m_link)->value; }
+        iterator& operator++() noexcept {
+            m_link = m_link->next;
+            return *this;
+        }
+        iterator operator++(int) noexcept {
+            iterator const old = *this;
+            ++*this;
+            return old;
+        }
+        iterator& operator--() noexcept {
+            m_link = m_link->prev;
+            return *this;
+        }
+        iterator operator--(int) noexcept {
+            iterator const old = *this;
+            --*this;
+            return old;
+        }
+        friend bool operator==(iterator a, iterator b) noexcept { return a.m_link == b.m_link; }
+        friend bool operator!=(iterator a, iterator b) noexcept { return a.m_link != b.m_link; }
+
+        Link* link() const noexcept { return m_link; }
+
+    private:
+        Link* m_link = nullptr;
+    };
+
+    LinkedHashTable() noexcept { m_head.prev = m_head.next = &m_head; }
+    LinkedHashTable(LinkedHashTable const& other) : LinkedHashTable() {
+        m_maxLoadFactor = other.m_maxLoadFactor;
+        try {
+            for (Link* link = other.m_head.next; link != &other.m_head; link = link->next) {
+                emplace_back(static_cast<Node*>(link)->value);
+            }
+        } catch (...) {
+            clear();
+            throw;
+        }
+    }
+    LinkedHashTable& operator=(LinkedHashTable const&) = delete;
+    ~LinkedHashTable() { clear(); }
+
+    iterator begin() noexcept { return iterator(m_head.next); }
+    iterator end() noexcept { return iterator(&m_head); }
+    std::size_t size() const noexcept { return m_size; }
+
+    template <class K>
+    iterator find(K const& key) {
+        std::size_t const hash = Hash()(key);
+        if (m_buckets) {
+            for (Node* node = m_buckets[bucketOf(hash)]; node != nullptr; node = node->chain) {
+                if (node->hash == hash && Equal()(KeyOf()(node->value), key)) {
+                    return iterator(node);
+                }
+            }
+            return end();
+        }
+        for (Link* link = m_head.next; link != &m_head; link = link->next) {
+            Node* const node = static_cast<Node*>(link);
+            if (node->hash == hash && Equal()(KeyOf()(node->value), key)) {
+                return iterator(node);
+            }
+        }
+        return end();
+    }
+
+    /// Builds the value at the back of the list unless its key is present;
+    /// then the new value is dropped and the result points to the old one.
+    template <class... Args>
+    std::pair<iterator, bool> emplace_back(Args&&... args) {
+        Node* const node = makeNode(std::forward<Args>(args)...);
+        node->hash = Hash()(KeyOf()(node->value));
+        iterator const found = find(KeyOf()(node->value));
+        if (found != end()) {
+            dropNode(node);
+            return {found, false};
+        }
+        linkBefore(&m_head, node);
+        ++m_size;
+        index(node);
+        return {iterator(node), true};
+    }
+
+    iterator erase(iterator position) noexcept {
+        Node* const node = static_cast<Node*>(position.link());
+        Link* const next = node->next;
+        unindex(node);
+        unlink(node);
+        --m_size;
+        dropNode(node);
+        return iterator(next);
+    }
+
+    void clear() noexcept {
+        Link* link = m_head.next;
+        while (link != &m_head) {
+            Link* const next = link->next;
+            dropNode(static_cast<Node*>(link));
+            link = next;
+        }
+        m_head.prev = m_head.next = &m_head;
+        m_size = 0;
+        m_buckets.reset();
+        m_bucketCount = 0;
+    }
+
+    /// Moves `entry` in front of `position`.
+    void relocate(iterator position, iterator entry) noexcept {
+        Link* const link = entry.link();
+        if (link == position.link()) {
+            return;
+        }
+        unlink(link);
+        linkBefore(position.link(), link);
+    }
+
+    /// Changes the key of `entry` through `change`, which the caller knows
+    /// gives a key not yet present. Should `change` throw, the entry is
+    /// erased and the exception goes on.
+    template <class Change>
+    void rekey(iterator entry, Change&& change) {
+        Node* const node = static_cast<Node*>(entry.link());
+        unindex(node);
+        try {
+            change(node->value);
+        } catch (...) {
+            unlink(node);
+            --m_size;
+            dropNode(node);
+            throw;
+        }
+        node->hash = Hash()(KeyOf()(node->value));
+        index(node);
+    }
+
+    void reserve(std::size_t n) {
+        if (n > kLinearLimit) {
+            growFor(n);
+        }
+    }
+    float max_load_factor() const noexcept { return m_maxLoadFactor; }
+    void max_load_factor(float factor) {
+        m_maxLoadFactor = factor > 0.0f ? factor : 1.0f;
+        if (m_buckets) {
+            growFor(m_size);
+        }
+    }
+
+private:
+    template <class... Args>
+    Node* makeNode(Args&&... args) {
+        NodeAllocator allocator;
+        Node* const node = NodeTraits::allocate(allocator, 1);
+        try {
+            NodeTraits::construct(allocator, node, std::forward<Args>(args)...);
+        } catch (...) {
+            NodeTraits::deallocate(allocator, node, 1);
+            throw;
+        }
+        return node;
+    }
+    static void dropNode(Node* node) noexcept {
+        NodeAllocator allocator;
+        NodeTraits::destroy(allocator, node);
+        NodeTraits::deallocate(allocator, node, 1);
+    }
+
+    static void linkBefore(Link* position, Link* link) noexcept {
+        link->prev = position->prev;
+        link->next = position;
+        position->prev->next = link;
+        position->prev = link;
+    }
+    static void unlink(Link* link) noexcept {
+        link->prev->next = link->next;
+        link->next->prev = link->prev;
+    }
+
+    // Fibonacci hashing: the top bits of the product, so that pointer keys,
+    // whose low bits are zero, spread over the buckets too.
+    std::size_t bucketOf(std::size_t hash) const noexcept {
+        return static_cast<std::size_t>((static_cast<std::uint64_t>(hash) * 0x9E3779B97F4A7C15ull) >>
+                                        m_shift);
+    }
+
+    // Puts the node on its chain, growing the buckets when the table is too
+    // big for a walk of the list or too full for its buckets.
+    void index(Node* node) {
+        if (!m_buckets) {
+            if (m_size <= kLinearLimit) {
+                return;
+            }
+            growFor(m_size);
+            return; // growFor chained every node, this one included.
+        }
+        if (static_cast<float>(m_size) > static_cast<float>(m_bucketCount) * m_maxLoadFactor) {
+            growFor(m_size);
+            return;
+        }
+        Node*& first = m_buckets[bucketOf(node->hash)];
+        node->chain = first;
+        first = node;
+    }
+    void unindex(Node* node) noexcept {
+        if (!m_buckets) {
+            return;
+        }
+        Node** slot = &m_buckets[bucketOf(node->hash)];
+        while (*slot != node) {
+            slot = &(*slot)->chain;
+        }
+        *slot = node->chain;
+        node->chain = nullptr;
+    }
+
+    // Rebuilds the buckets for `n` entries at the maximum load factor and
+    // chains every node of the list again.
+    void growFor(std::size_t n) {
+        std::size_t count = 16;
+        unsigned bits = 4;
+        while (static_cast<float>(count) * m_maxLoadFactor < static_cast<float>(n)) {
+            count *= 2;
+            ++bits;
+        }
+        if (m_buckets && count <= m_bucketCount) {
+            return;
+        }
+        m_buckets = std::make_unique<Node*[]>(count);
+        m_bucketCount = count;
+        m_shift = 64 - bits;
+        for (Link* link = m_head.next; link != &m_head; link = link->next) {
+            Node* const node = static_cast<Node*>(link);
+            Node*& first = m_buckets[bucketOf(node->hash)];
+            node->chain = first;
+            first = node;
+        }
+    }
+
+    Link m_head;
+    std::size_t m_size = 0;
+    std::unique_ptr<Node*[]> m_buckets;
+    std::size_t m_bucketCount = 0;
+    unsigned m_shift = 64;
+    float m_maxLoadFactor = 1.0f;
+};
+
+/// Holds a table that is made at the first insertion: an empty map or set
+/// allocates nothing. Iterators of an empty one are null: begin() == end().
+template <class Container>
+class LazyContainer {
+public:
+    LazyContainer() noexcept = default;
+    LazyContainer(LazyContainer const& other)
+        : m_container(other.m_container ? std::make_unique<Container>(*other.m_container) : nullptr) {}
+    LazyContainer(LazyContainer&&) noexcept = default;
+    LazyContainer& operator=(LazyContainer const& other) {
+        LazyContainer copy(other);
+        swap(copy);
+        return *this;
+    }
+    LazyContainer& operator=(LazyContainer&&) noexcept = default;
+    ~LazyContainer() = default;
+
+    /// The table, or null while nothing was inserted.
+    Container* peek() const noexcept { return m_container.get(); }
+    /// The table, made when needed.
+    Container& get() {
+        if (!m_container)
+            m_container = std::make_unique<Container>();
+        return *m_container;
+    }
+    void reset() noexcept { m_container.reset(); }
+    void swap(LazyContainer& other) noexcept { m_container.swap(other.m_container); }
+
+private:
+    std::unique_ptr<Container> m_container;
+};
 
 } // namespace detail
 } // namespace Kesto
