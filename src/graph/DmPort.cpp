@@ -178,13 +178,29 @@ bool DmPort::isMultiIn() const {
 void DmPort::initialize() {
     auto const& type = m_description->getType();
     if (!type) {
-        m_defaultValue.reset();
+        initializeFrom(nullptr);
+        return;
+    }
+    // A struct's member ports share the storage of its value, and a class's
+    // default object may come from a shared library: those are made now.
+    // Every other default is made when it is first read.
+    if (!isStructKind(type) && type->getTypeKind() != kTypeClass) {
+        initializeFrom(nullptr);
+        m_defaultPending = true;
         return;
     }
     initializeFrom(type->createDefaultValue());
 }
 
+void DmPort::makeDefaultValue() const {
+    m_defaultPending = false;
+    if (auto const& type = m_description->getType()) {
+        m_defaultValue = type->createDefaultValue();
+    }
+}
+
 void DmPort::initializeFrom(std::shared_ptr<DmBaseValue> const& value) {
+    m_defaultPending = false;
     m_defaultValue = value;
     // Entries of a multi-in or fan-in port stay; struct members are rebuilt
     // from the type, and the old ones take their connections with them.
@@ -212,7 +228,8 @@ void DmPort::initializeFrom(std::shared_ptr<DmBaseValue> const& value) {
 }
 
 bool DmPort::hasImmediateValue() const {
-    return m_defaultValue && !m_defaultValue->isImplicit();
+    // A default still to be made is the type's implicit one.
+    return !m_defaultPending && m_defaultValue && !m_defaultValue->isImplicit();
 }
 
 bool DmPort::setDefaultValue(std::shared_ptr<DmBaseValue> const& value) {
@@ -230,7 +247,7 @@ bool DmPort::setDefaultValue(std::shared_ptr<DmBaseValue> const& value) {
         initialize();
     }
     if (m_parent != nullptr && !m_parent->isMultiIn() && !m_parent->isFanIn()) {
-        if (auto const parentValue = std::dynamic_pointer_cast<DmStructValue>(m_parent->m_defaultValue)) {
+        if (auto const parentValue = std::dynamic_pointer_cast<DmStructValue>(m_parent->getDefaultValue())) {
             parentValue->setMember(getName(), value);
         }
     }
@@ -239,6 +256,7 @@ bool DmPort::setDefaultValue(std::shared_ptr<DmBaseValue> const& value) {
 }
 
 void DmPort::updatePortValue(std::shared_ptr<DmBaseValue> const& value) {
+    m_defaultPending = false;
     m_defaultValue = value;
     if (!m_members || !isStructKind(m_description->getType())) {
         return;

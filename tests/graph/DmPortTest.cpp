@@ -228,6 +228,27 @@ TEST_F(DmPortTest, NewPortHasImplicitDefaultValueOfItsType) {
     EXPECT_EQ(intData(port->getDefaultValue()), 0);
 }
 
+TEST_F(DmPortTest, ImplicitDefaultValueIsMadeWhenFirstRead) {
+    auto [def, node] = nodeWith(input("a", DmLibrary::getIntType()));
+    ASSERT_NE(node, nullptr);
+    auto const port = (*node)["a"];
+    unsigned int const before = Kesto::DmInstanceCounter<Kesto::DmBaseValue>::getInstanceCount();
+    EXPECT_FALSE(port->hasImmediateValue());
+    EXPECT_EQ(Kesto::DmInstanceCounter<Kesto::DmBaseValue>::getInstanceCount(), before);
+    std::shared_ptr<DmBaseValue> const first = port->getDefaultValue();
+    EXPECT_EQ(Kesto::DmInstanceCounter<Kesto::DmBaseValue>::getInstanceCount(), before + 1);
+    EXPECT_EQ(port->getDefaultValue(), first);
+}
+
+TEST_F(DmPortTest, ValueSetBeforeTheDefaultWasReadIsKept) {
+    auto [def, node] = nodeWith(input("a", DmLibrary::getIntType()));
+    ASSERT_NE(node, nullptr);
+    auto const port = (*node)["a"];
+    auto const value = DmLibrary::getIntType()->createValue();
+    ASSERT_TRUE(port->setDefaultValue(value));
+    EXPECT_EQ(port->getDefaultValue(), value);
+}
+
 TEST_F(DmPortTest, PortWithoutTypeHasNoDefaultValue) {
     auto node = DmNode::createNode("n", nullptr);
     ASSERT_NE(node, nullptr);

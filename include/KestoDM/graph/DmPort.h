@@ -72,7 +72,14 @@ public:
 
     /// @name Values
     /// @{
-    std::shared_ptr<DmBaseValue> const& getDefaultValue() const noexcept { return m_defaultValue; }
+    /// The port's value. The implicit default of a type without members is
+    /// made at the first call: most ports of a loaded graph are connected or
+    /// take a value from the file, and never need it.
+    std::shared_ptr<DmBaseValue> const& getDefaultValue() const {
+        if (m_defaultPending)
+            makeDefaultValue();
+        return m_defaultValue;
+    }
     /// True when the default value has been set, not only implied by the type.
     bool hasImmediateValue() const;
     /// Sets the value the port takes. A value of another type changes the
@@ -133,6 +140,8 @@ private:
     /// Takes `value` as default and builds the member ports of a struct on
     /// the members of that value.
     void initializeFrom(std::shared_ptr<DmBaseValue> const& value);
+    /// Makes the implicit default that initialize() left for later.
+    void makeDefaultValue() const;
     /// Stores `value` and rewrites the members' values from it, recursively.
     void updatePortValue(std::shared_ptr<DmBaseValue> const& value);
     MemberMap& members();
@@ -147,12 +156,13 @@ private:
 
     std::shared_ptr<DmPortDescription> m_description;
     DmNode* m_node;
-    std::shared_ptr<DmBaseValue> m_defaultValue;
+    mutable std::shared_ptr<DmBaseValue> m_defaultValue;
     DmPort* m_parent;
     std::shared_ptr<MemberMap> m_members;
     ConnectedPorts m_connectedPorts;
     std::shared_ptr<DmWatchPoint> m_watchPoint;
     bool m_fanIn;
+    mutable bool m_defaultPending = false;
 };
 
 } // namespace Kesto
