@@ -12,6 +12,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace Kesto {
@@ -22,6 +23,7 @@ class DmCompound;
 class DmEntity;
 class DmLibrary;
 class DmMessageLogger;
+class DmNamespace;
 class DmNodeDef;
 class DmPort;
 class DmTerminalStates;
@@ -156,6 +158,10 @@ public:
 private:
     void readNamespace(Value const& object);
     void readType(Value const& object);
+    /// The full name of a type of this file, also before it is filed.
+    std::string typeNameOf(DmBaseType const& type) const;
+    /// Files a type of this file in its namespace, or reports the clash.
+    void placeType(std::shared_ptr<DmBaseType> const& type, DmNamespace& ns, std::string const& name);
     void readEnumMember(Value const& object);
     void readMethod(Value const& object);
     void readStructMember(Value const& object);
@@ -250,6 +256,13 @@ private:
     PassQueue<std::shared_ptr<DmExternOperator>> m_operators;
     PassQueue<std::shared_ptr<DmTerminalNodeDef>> m_terminalNodeDefs;
     PassQueue<std::shared_ptr<DmBaseType>> m_types;
+    /// Types whose name was taken when they were made: they are compared with
+    /// the type there, and filed or reported, once their members are read.
+    struct DeferredType {
+        std::shared_ptr<DmNamespace> ns;
+        std::string name;
+    };
+    std::unordered_map<DmBaseType const*, DeferredType> m_deferredTypes;
 };
 
 } // namespace Internal

@@ -146,6 +146,11 @@ void JsonReader::readType(Value const& object) {
             m_entities.push_back(structType);
             walkList(object, JsonFormat::Key::kStructMembers, JsonFormat::kStructMembers);
             m_entities.pop_back();
+            auto const deferred = m_deferredTypes.find(structType.get());
+            if (deferred != m_deferredTypes.end()) {
+                placeType(structType, *deferred->second.ns, deferred->second.name);
+                m_deferredTypes.erase(deferred);
+            }
         }
         // With an unknown-definitions support, the complete type then takes
         // the place of a placeholder of its name; the support has no such
@@ -212,9 +217,20 @@ void JsonReader::readType(Value const& object) {
     // to replace a placeholder of its name in pass 2; the support has no such
     // replacement yet.
 
-    // Types of a file are filed under their own names whatever the load's
-    // name resolution: a type cannot be renamed or overloaded.
-    if (!ns || type->setNamespace(ns.get(), kFailOnClash) != DmStatus::kSuccess) {
+    // A type whose name is taken (a file read again, a type declared twice)
+    // can only be compared with the type there once its members are read:
+    // enum members and methods below, struct members in pass 2. Until then
+    // references to the name find the type that has it.
+    bool deferred = false;
+    if (ns) {
+        std::shared_ptr<DmBaseType> existing;
+        deferred = ns->findType(std::string(local), existing);
+        if (deferred) {
+            m_deferredTypes[type.get()] = DeferredType{ns, name};
+        } else {
+            placeType(type, *ns, name);
+        }
+    } else {
         report(BaMessageTypes::kMessageError, "Type name already exists.",
                "Type '" + name + "' already exists in this namespace.");
     }
@@ -238,6 +254,27 @@ void JsonReader::readType(Value const& object) {
     walkListOrWarn(object, JsonFormat::Key::kMetadata, JsonFormat::kMetadata, "Incorrect metadata format.",
                    "The type '" + name + "' has an incorrect metadata format.");
     m_entities.pop_back();
+    // Enums and classes are complete at the end of their object.
+    if (deferred && structName.empty()) {
+        placeType(type, *ns, name);
+        m_deferredTypes.erase(type.get());
+    }
+}
+
+std::string JsonReader::typeNameOf(DmBaseType const& type) const {
+    auto const deferred = m_deferredTypes.find(&type);
+    return deferred != m_deferredTypes.end() ? deferred->second.name : fullNameOf(type);
+}
+
+void JsonReader::placeType(std::shared_ptr<DmBaseType> const& type, DmNamespace& ns,
+                           std::string const& name) {
+    // Types of a file are filed under their own names whatever the load's
+    // name resolution: a type cannot be renamed or overloaded. An equivalent
+    // type of the name is no clash: the first one stays.
+    if (type->setNamespace(&ns, kFailOnClash) != DmStatus::kSuccess) {
+        report(BaMessageTypes::kMessageError, "Type name already exists.",
+               "Type '" + name + "' already exists in this namespace.");
+    }
 }
 
 void JsonReader::readEnumMember(Value const& object) {
@@ -257,7 +294,7 @@ void JsonReader::readEnumMember(Value const& object) {
                "Enumeration members must have a value.");
         return;
     }
-    std::string const typeName = fullNameOf(*type);
+    std::string const typeName = typeNameOf(*type);
     std::optional<int> const value = JsonFormat::parseEnumValue(text);
     if (!value) {
         // The key is worth keeping: it still names a member, only its number is lost.
@@ -279,7 +316,7 @@ void JsonReader::readMethod(Value const& object) {
     if (!type) {
         return;
     }
-    std::string const typeName = fullNameOf(*type);
+    std::string const typeName = typeNameOf(*type);
     std::string const method(stringOf(object, JsonFormat::Key::kMethod));
     if (method.empty()) {
         report(BaMessageTypes::kMessageInfo, "Method type is missing name.",
@@ -326,7 +363,7 @@ void JsonReader::readStructMember(Value const& object) {
                "Struct members must have at least a name.");
         return;
     }
-    std::string const structName = fullNameOf(*type);
+    std::string const structName = typeNameOf(*type);
     if (!NamingSupport::isLegalName(name)) {
         report(BaMessageTypes::kMessageWarning, "Illegal struct member name",
                "The member \"" + name + "\" in struct \"" + structName + "\" has an illegal name.");
