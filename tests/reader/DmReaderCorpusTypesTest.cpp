@@ -739,3 +739,40 @@ TEST_F(DmReaderCorpusTypesTest, BadDependenciesAreReportedAndTheRestLoads) {
     EXPECT_EQ(tint->getURI(), file);
     EXPECT_EQ(membersOf(*tint), (Members{{"color", type("shared::Color")}}));
 }
+
+// ---------------------------------------------------------------------------
+// Known faults
+
+// Disabled: a reloaded struct or enum is compared with the first one while it
+// has no members yet, so a file read again reports each as a clash.
+TEST_F(DmReaderCorpusTypesTest, DISABLED_FileOfStructsAndEnumsReadAgainKeepsTheFirstTypesWithoutAClash) {
+    ASSERT_EQ(loadCorpus("101_struct_types.json"), DmStatus::kSuccess);
+    ASSERT_EQ(loadCorpus("102_enum_types.json"), DmStatus::kSuccess);
+    auto const point = type("geo::Point");
+    auto const axis = type("geo::Axis");
+    DmLibrary::LoadOptions reload;
+    reload.reloadMode = 1;
+    std::string const dir = std::string(KESTODM_TEST_DATA_DIR) + "/reader/";
+    EXPECT_EQ(library().loadGraph(KestoTest::longForm(dir + "101_struct_types.json"), reload),
+              DmStatus::kSuccess);
+    EXPECT_EQ(library().loadGraph(KestoTest::longForm(dir + "102_enum_types.json"), reload),
+              DmStatus::kSuccess);
+    EXPECT_TRUE(printed().empty());
+    EXPECT_EQ(type("geo::Point"), point);
+    EXPECT_EQ(type("geo::Axis"), axis);
+}
+
+// Disabled: two structs of one name in one file are both empty when the
+// second is placed, so they count as the same type; the second's members are
+// dropped without a word.
+TEST_F(DmReaderCorpusTypesTest, DISABLED_StructDeclaredTwiceWithOtherMembersInOneFileReportsTheClash) {
+    EXPECT_EQ(
+        load(R"(, "types": [)"
+             R"({"structName": "d::S", "structMembers": [{"memberName": "a", "memberType": "int"}]},)"
+             R"({"structName": "d::S", "structMembers": [{"memberName": "b", "memberType": "string"}]}])"),
+        DmStatus::kFailure);
+    EXPECT_EQ(printed(), (std::vector<std::string>{error("Type name already exists.",
+                                                         "Type 'd::S' already exists in this namespace.")}));
+    ASSERT_TRUE(structType("d::S"));
+    EXPECT_EQ(membersOf(*structType("d::S")), (Members{{"a", intType()}}));
+}
