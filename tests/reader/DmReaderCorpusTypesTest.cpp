@@ -741,11 +741,10 @@ TEST_F(DmReaderCorpusTypesTest, BadDependenciesAreReportedAndTheRestLoads) {
 }
 
 // ---------------------------------------------------------------------------
-// Known faults
+// Types whose name is taken
 
-// Disabled: a reloaded struct or enum is compared with the first one while it
-// has no members yet, so a file read again reports each as a clash.
-TEST_F(DmReaderCorpusTypesTest, DISABLED_FileOfStructsAndEnumsReadAgainKeepsTheFirstTypesWithoutAClash) {
+// The reloaded types are compared with the first ones once their members are read.
+TEST_F(DmReaderCorpusTypesTest, FileOfStructsAndEnumsReadAgainKeepsTheFirstTypesWithoutAClash) {
     ASSERT_EQ(loadCorpus("101_struct_types.json"), DmStatus::kSuccess);
     ASSERT_EQ(loadCorpus("102_enum_types.json"), DmStatus::kSuccess);
     auto const point = type("geo::Point");
@@ -762,10 +761,7 @@ TEST_F(DmReaderCorpusTypesTest, DISABLED_FileOfStructsAndEnumsReadAgainKeepsTheF
     EXPECT_EQ(type("geo::Axis"), axis);
 }
 
-// Disabled: two structs of one name in one file are both empty when the
-// second is placed, so they count as the same type; the second's members are
-// dropped without a word.
-TEST_F(DmReaderCorpusTypesTest, DISABLED_StructDeclaredTwiceWithOtherMembersInOneFileReportsTheClash) {
+TEST_F(DmReaderCorpusTypesTest, StructDeclaredTwiceWithOtherMembersInOneFileReportsTheClash) {
     EXPECT_EQ(
         load(R"(, "types": [)"
              R"({"structName": "d::S", "structMembers": [{"memberName": "a", "memberType": "int"}]},)"
