@@ -394,19 +394,30 @@ DmStatus DmCompound::makeConnection(std::shared_ptr<DmPort> const& source,
     if (!source || !target || target->isFanIn() || target->getPortDescription()->isMultiIn()) {
         return DmStatus::kInvalidArgument;
     }
+    // Nodes elsewhere would be left pointing at a connection this compound owns.
+    if (!holdsNode(source->getNode()) || !holdsNode(target->getNode())) {
+        failure = kConnectionNodesNotInCompound;
+        reportConnectionFailure(failure, this, connectionPath(*source), connectionPath(*target), true);
+        return DmStatus::kInvalidArgument;
+    }
+    return connectHeldPorts(source, target, replace, out, failure);
+}
+
+DmStatus DmCompound::connectHeldPorts(std::shared_ptr<DmPort> const& source,
+                                      std::shared_ptr<DmPort> const& target, bool replace,
+                                      std::shared_ptr<DmConnection>& out, ConnectionFailureType& failure) {
+    failure = kConnectionOk;
+    if (target->isFanIn() || target->getPortDescription()->isMultiIn()) {
+        return DmStatus::kInvalidArgument;
+    }
     DmNode* const sourceNode = source->getNode();
     DmNode* const targetNode = target->getNode();
-    std::string const sourceName = connectionPath(*source);
-    std::string const targetName = connectionPath(*target);
+    // The paths are only made for a message.
     auto const refuse = [&](ConnectionFailureType type, DmNamedEntity const* entity) {
         failure = type;
-        reportConnectionFailure(type, entity, sourceName, targetName, true);
+        reportConnectionFailure(type, entity, connectionPath(*source), connectionPath(*target), true);
         return DmStatus::kInvalidArgument;
     };
-    // Nodes elsewhere would be left pointing at a connection this compound owns.
-    if (!holdsNode(sourceNode) || !holdsNode(targetNode)) {
-        return refuse(kConnectionNodesNotInCompound, this);
-    }
     // A port its node has let go of (a removed port or entry) is no longer on it.
     if (!isPortOfItsNode(*source)) {
         return refuse(kConnectionSourcePortMissing, sourceNode);
@@ -485,7 +496,8 @@ DmStatus DmCompound::makeConnection(std::string const& sourcePath, std::string c
     if (!target) {
         return refuse(kConnectionTargetPortMissing, targetNode.get());
     }
-    return makeConnection(source, target, replace, out, failure);
+    // Both nodes were found here.
+    return connectHeldPorts(source, target, replace, out, failure);
 }
 
 DmStatus DmCompound::makeConnection(std::string const& sourcePath, std::string const& targetPath,

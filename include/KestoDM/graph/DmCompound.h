@@ -223,6 +223,10 @@ private:
                                  bool connection) const;
     /// Whether `node` is this compound's self node or one of its nodes.
     bool holdsNode(DmNode const* node) const;
+    /// makeConnection once both nodes are known to be held here.
+    DmStatus connectHeldPorts(std::shared_ptr<DmPort> const& source, std::shared_ptr<DmPort> const& target,
+                              bool replace, std::shared_ptr<DmConnection>& out,
+                              ConnectionFailureType& failure);
     /// Whether `port` is still held by its node (and its parent, for an entry or member).
     static bool isPortOfItsNode(DmPort const& port);
     /// Whether a node on `def` inside this compound would make it contain itself.
