@@ -54,18 +54,17 @@ std::shared_ptr<DmNode> DmNode::createNode(std::string const& name, std::shared_
 }
 
 DmNode::DmNode(InternalConstructor, std::string name, std::shared_ptr<DmNodeDef> const& def)
-    : DmNamedEntity(std::move(name), def != nullptr), m_ports(std::make_shared<PortMap>()),
-      m_nodeDef(def.get()), m_nodeDefHold(def) {}
+    : DmNamedEntity(std::move(name), def != nullptr), m_nodeDef(def.get()), m_nodeDefHold(def) {}
 
 DmNode::DmNode(InternalConstructor, std::string name, DmNodeDef* def)
-    : DmNamedEntity(std::move(name), def != nullptr), m_ports(std::make_shared<PortMap>()), m_nodeDef(def) {}
+    : DmNamedEntity(std::move(name), def != nullptr), m_nodeDef(def) {}
 
 DmNode::~DmNode() {
     if (m_nodeDef != nullptr) {
         m_nodeDef->unregisterNode(this);
     }
     // A port held elsewhere outlives its node: it must not point at it.
-    for (auto const& entry : *m_ports) {
+    for (auto const& entry : m_ports) {
         entry.second->forgetNode();
     }
 }
@@ -108,8 +107,8 @@ bool DmNode::setName(std::string const& name, DmNameResolutionType type, DmNameR
 // Ports
 
 std::shared_ptr<DmPort> DmNode::operator[](std::string const& name) const {
-    auto const found = m_ports->find(name);
-    return found == m_ports->end() ? nullptr : found->second;
+    auto const found = m_ports.find(name);
+    return found == m_ports.end() ? nullptr : found->second;
 }
 
 std::shared_ptr<DmPort> DmNode::getMultiInPort() const {
@@ -169,7 +168,7 @@ std::shared_ptr<DmPortDescription> DmNode::invertedClone(DmPortDescription const
 }
 
 bool DmNode::addPort(std::shared_ptr<DmPortDescription> const& port, bool invertDirections) {
-    if (!port || m_ports->contains(port->getName())) {
+    if (!port || m_ports.contains(port->getName())) {
         return false;
     }
     if (port->isInput() && port->isAssociative() && m_nodeDef != nullptr &&
@@ -185,24 +184,24 @@ bool DmNode::addPort(std::shared_ptr<DmPortDescription> const& port, bool invert
                 : DmPortDescription::newMultiInPortDescription(port->getName(), kNameVerbatim);
         auto const multiIn = DmPort::newPort(description, this);
         m_multiInPort = multiIn.get();
-        m_ports->insert(port->getName(), multiIn);
+        m_ports.insert(port->getName(), multiIn);
         return true;
     }
     auto const description = invertDirections ? invertedClone(*port) : port;
-    m_ports->insert(port->getName(), DmPort::newPort(description, this));
+    m_ports.insert(port->getName(), DmPort::newPort(description, this));
     return true;
 }
 
 bool DmNode::removePort(std::string const& name) {
-    auto const found = m_ports->find(name);
-    if (found == m_ports->end()) {
+    auto const found = m_ports.find(name);
+    if (found == m_ports.end()) {
         return false;
     }
     std::shared_ptr<DmPort> const port = found->second;
     if (m_owner != nullptr) {
         m_owner->breakAllConnections(port);
     }
-    m_ports->erase(port->getName());
+    m_ports.erase(port->getName());
     if (port.get() == m_multiInPort) {
         m_multiInPort = nullptr;
     }
@@ -217,8 +216,8 @@ bool DmNode::replacePort(std::shared_ptr<DmPortDescription> const& port, bool in
     if (!port) {
         return false;
     }
-    auto const found = m_ports->find(port->getName());
-    if (found == m_ports->end()) {
+    auto const found = m_ports.find(port->getName());
+    if (found == m_ports.end()) {
         // The second associative input lives on as entries of the multi-in port.
         return m_multiInPort != nullptr && port->isAssociative();
     }
@@ -251,12 +250,12 @@ bool DmNode::replacePort(std::shared_ptr<DmPortDescription> const& port, bool in
 
 DmStatus DmNode::reorderPort(std::size_t position, std::string const& name) {
     // The node may have fewer ports than its definition (associative inputs).
-    return reorderEntry(*m_ports, std::min(position, m_ports->size()), name);
+    return reorderEntry(m_ports, std::min(position, m_ports.size()), name);
 }
 
 bool DmNode::renamePort(std::string const& oldName, std::string const& newName) {
-    auto const found = m_ports->find(oldName);
-    if (found == m_ports->end()) {
+    auto const found = m_ports.find(oldName);
+    if (found == m_ports.end()) {
         return false;
     }
     std::shared_ptr<DmPort> const port = found->second;
@@ -268,9 +267,9 @@ bool DmNode::renamePort(std::string const& oldName, std::string const& newName) 
 }
 
 void DmNode::rekeyPort(std::string const& oldName, std::string const& newName) {
-    auto const found = m_ports->find(oldName);
-    if (found != m_ports->end() && oldName != newName) {
-        m_ports->rekey(found, newName);
+    auto const found = m_ports.find(oldName);
+    if (found != m_ports.end() && oldName != newName) {
+        m_ports.rekey(found, newName);
     }
 }
 
@@ -315,7 +314,7 @@ void DmNode::resetNodeDef() {
     if (m_nodeDef != nullptr) {
         m_nodeDef->unregisterNode(this);
         // A self node's clones name the definition that is going.
-        for (auto const& entry : *m_ports) {
+        for (auto const& entry : m_ports) {
             DmPortDescription& description = *entry.second->getPortDescription();
             if (description.getNodeDef() == m_nodeDef) {
                 description.setNodeDef(nullptr);

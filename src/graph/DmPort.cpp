@@ -51,8 +51,8 @@ std::shared_ptr<DmPort> DmPort::newPort(std::shared_ptr<DmPortDescription> const
 
 DmPort::DmPort(InternalConstructor, std::shared_ptr<DmPortDescription> description, DmNode* node,
                DmPort* parent)
-    : DmNamedEntity(description->getName(), true), m_description(std::move(description)), m_node(node),
-      m_parent(parent), m_fanIn(m_description->isDefaultFanIn()) {}
+    : DmNamedEntity(description->getName(), true), m_fanIn(description->isDefaultFanIn()),
+      m_description(std::move(description)), m_node(node), m_parent(parent) {}
 
 DmPort::~DmPort() = default;
 

@@ -71,12 +71,12 @@ public:
 
     /// @name Ports
     /// @{
-    PortMap const& getPorts() const noexcept { return *m_ports; }
+    PortMap const& getPorts() const noexcept { return m_ports; }
     /// The port of that name, or null.
     std::shared_ptr<DmPort> operator[](std::string const& name) const;
-    const_iterator find(std::string const& name) const { return m_ports->find(name); }
-    const_iterator begin() const noexcept { return m_ports->cbegin(); }
-    const_iterator end() const noexcept { return m_ports->cend(); }
+    const_iterator find(std::string const& name) const { return m_ports.find(name); }
+    const_iterator begin() const noexcept { return m_ports.cbegin(); }
+    const_iterator end() const noexcept { return m_ports.cend(); }
     /// The port that gathers the associative inputs, or null.
     std::shared_ptr<DmPort> getMultiInPort() const;
     /// Adds an entry to the multi-in port. kFailure on a node that is no
@@ -142,7 +142,7 @@ private:
     /// with the direction inverted, on the same definition.
     std::shared_ptr<DmPortDescription> invertedClone(DmPortDescription const& port) const;
 
-    std::shared_ptr<PortMap> m_ports;
+    PortMap m_ports;
     DmPort* m_multiInPort = nullptr;
     ConnectionSet m_connections;
     DmNodeDef* m_nodeDef = nullptr;

@@ -154,6 +154,9 @@ private:
     /// The compound of the port's node, or null.
     DmCompound* ownerCompound() const noexcept;
 
+    // The flags first: they fit in the padding at the end of the base class.
+    bool m_fanIn;
+    mutable bool m_defaultPending = false;
     std::shared_ptr<DmPortDescription> m_description;
     DmNode* m_node;
     mutable std::shared_ptr<DmBaseValue> m_defaultValue;
@@ -161,8 +164,6 @@ private:
     std::shared_ptr<MemberMap> m_members;
     ConnectedPorts m_connectedPorts;
     std::shared_ptr<DmWatchPoint> m_watchPoint;
-    bool m_fanIn;
-    mutable bool m_defaultPending = false;
 };
 
 } // namespace Kesto

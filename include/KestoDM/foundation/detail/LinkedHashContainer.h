@@ -156,7 +156,7 @@ public:
         m_head.prev = m_head.next = &m_head;
         m_size = 0;
         m_buckets.reset();
-        m_bucketCount = 0;
+        m_shift = 64;
     }
 
     /// Moves `entry` in front of `position`.
@@ -248,7 +248,7 @@ private:
             growFor(m_size);
             return; // growFor chained every node, this one included.
         }
-        if (static_cast<float>(m_size) > static_cast<float>(m_bucketCount) * m_maxLoadFactor) {
+        if (static_cast<float>(m_size) > static_cast<float>(bucketCount()) * m_maxLoadFactor) {
             growFor(m_size);
             return;
         }
@@ -277,11 +277,10 @@ private:
             count *= 2;
             ++bits;
         }
-        if (m_buckets && count <= m_bucketCount) {
+        if (m_buckets && count <= bucketCount()) {
             return;
         }
         m_buckets = std::make_unique<Node*[]>(count);
-        m_bucketCount = count;
         m_shift = 64 - bits;
         for (Link* link = m_head.next; link != &m_head; link = link->next) {
             Node* const node = static_cast<Node*>(link);
@@ -291,10 +290,13 @@ private:
         }
     }
 
+    // The number of buckets is a power of two that the shift tells: 40 bytes
+    // a table, one size class of the allocator below 48.
+    std::size_t bucketCount() const noexcept { return m_buckets ? std::size_t(1) << (64 - m_shift) : 0; }
+
     Link m_head;
     std::size_t m_size = 0;
     std::unique_ptr<Node*[]> m_buckets;
-    std::size_t m_bucketCount = 0;
     unsigned m_shift = 64;
     float m_maxLoadFactor = 1.0f;
 };
