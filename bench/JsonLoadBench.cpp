@@ -1,5 +1,7 @@
 // Loading graph files: the library's document load against RapidJSON alone on
-// the same file, the walker's four passes, and a whole loadGraph.
+// the same file, and the walker's four passes. The generated files hold every
+// kind of key, not a consistent model (their nodes name definitions that do
+// not exist): whole loads are measured on valid graphs in GraphLoadBench.
 //
 // The files (1, 10 and 40 MiB; the argument is the size in MiB) are written
 // once per process by GraphFileGenerator.h and read from the page cache.
@@ -17,7 +19,6 @@
 //                                 handler, the way the library parses, on the same buffer
 //   BM_Passes*                    JsonReader::read over a parsed document: as it is, with
 //                                 handlers that do nothing, and walking every list
-//   BM_LoadGraph                  DmLibrary::loadGraph with reloadMode 1
 //   BM_Pair*                      two of the above alternated in one loop, for their ratio
 #include <KestoDM/assets/DmAssetReference.h>
 #include <KestoDM/assets/DmFileURI.h>
@@ -460,23 +461,5 @@ void BM_PassesWalking(benchmark::State& state) {
     passes<WalkingReader>(state);
 }
 BENCHMARK(BM_PassesWalking)->Arg(10)->Arg(40)->Unit(benchmark::kMillisecond);
-
-// The whole load
-
-void BM_LoadGraph(benchmark::State& state) {
-    std::ostringstream errors;
-    auto const graphs =
-        DmLibrary::newLibrary(std::make_shared<BaContext>(), &errors, DmExternOperator::kSafe);
-    DmLibrary::LoadOptions options;
-    options.reloadMode = 1;
-    for (auto _ : state) {
-        if (graphs->loadGraph(pathOf(state), "", options) != DmStatus::kSuccess) {
-            state.SkipWithError(("loadGraph failed: " + errors.str()).c_str());
-            return;
-        }
-    }
-    reportShape(state);
-}
-BENCHMARK(BM_LoadGraph)->Arg(10)->Unit(benchmark::kMillisecond);
 
 } // namespace
