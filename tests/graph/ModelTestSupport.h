@@ -6,6 +6,8 @@
 #include <KestoDM/assets/DmURI.h>
 #include <KestoDM/foundation/DmNameResolution.h>
 #include <KestoDM/foundation/DmStatus.h>
+#include <KestoDM/graph/DmCompound.h>
+#include <KestoDM/graph/DmConnection.h>
 #include <KestoDM/graph/DmNativeNodeDef.h>
 #include <KestoDM/graph/DmNode.h>
 #include <KestoDM/graph/DmNodeDef.h>
@@ -81,6 +83,13 @@ protected:
     template <class T>
     void expectBackAtEnd(std::string what) {
         m_recorded.push_back(Recorded{std::move(what), &count<T>, count<T>()});
+    }
+
+    /// Adds what whole loaded graphs hold besides definitions and nodes.
+    void expectGraphsBackAtEnd() {
+        expectBackAtEnd<Kesto::DmCompound>("compounds");
+        expectBackAtEnd<Kesto::DmConnection>("connections");
+        expectBackAtEnd<Kesto::DmURI>("URIs");
     }
 
 private:

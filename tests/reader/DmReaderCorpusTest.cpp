@@ -29,12 +29,10 @@ class DmReaderCorpusTest : public KestoTest::ModelTest, public ::testing::WithPa
 protected:
     void SetUp() override {
         ModelTest::SetUp();
+        expectGraphsBackAtEnd();
         expectBackAtEnd<Kesto::DmEntity>("entities");
         expectBackAtEnd<Kesto::DmBaseType>("types");
-        expectBackAtEnd<Kesto::DmCompound>("compounds");
-        expectBackAtEnd<Kesto::DmConnection>("connections");
         expectBackAtEnd<Kesto::DmMetadata>("metadata trees");
-        expectBackAtEnd<Kesto::DmURI>("URIs");
         expectBackAtEnd<Kesto::DmLibrary>("libraries");
     }
 };

@@ -25,9 +25,7 @@ class DmReaderSeveralFilesTest : public KestoTest::NodeDefReadingTest {
 protected:
     void SetUp() override {
         NodeDefReadingTest::SetUp();
-        expectBackAtEnd<Kesto::DmCompound>("compounds");
-        expectBackAtEnd<Kesto::DmConnection>("connections");
-        expectBackAtEnd<Kesto::DmURI>("URIs");
+        expectGraphsBackAtEnd();
     }
 
     static std::string setFile(std::string const& set, std::string const& file) {

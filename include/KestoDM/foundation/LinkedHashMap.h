@@ -209,13 +209,7 @@ public:
     }
 
     /// The number of entries erased, 0 or 1.
-    size_type erase(Key const& key) {
-        iterator const found = find(key);
-        if (found == end())
-            return 0;
-        erase(found);
-        return 1;
-    }
+    size_type erase(Key const& key) { return made() ? made()->eraseKey(key) : 0; }
     /// Erases the entry and returns the one after it.
     iterator erase(const_iterator position) { return iterator(m_container.get().erase(position.base())); }
     iterator erase(iterator position) { return erase(const_iterator(position)); }

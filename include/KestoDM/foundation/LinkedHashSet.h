@@ -77,13 +77,7 @@ public:
     /// Appends the key; a present key keeps its place and the result says false.
     std::pair<iterator, bool> insert(Key key) { return m_container.get().emplace_back(std::move(key)); }
 
-    size_type erase(Key const& key) {
-        iterator const found = find(key);
-        if (found == end())
-            return 0;
-        erase(found);
-        return 1;
-    }
+    size_type erase(Key const& key) { return made() ? made()->eraseKey(key) : 0; }
     /// Erases the key and returns the one after it.
     iterator erase(iterator position) { return m_container.get().erase(position); }
 

@@ -146,6 +146,17 @@ public:
         return iterator(next);
     }
 
+    /// Erases the entry of `key`: the number erased, 0 or 1.
+    template <class K>
+    std::size_t eraseKey(K const& key) {
+        iterator const found = find(key);
+        if (found == end()) {
+            return 0;
+        }
+        erase(found);
+        return 1;
+    }
+
     void clear() noexcept {
         Link* link = m_head.next;
         while (link != &m_head) {
