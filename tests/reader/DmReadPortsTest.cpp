@@ -431,28 +431,3 @@ TEST_F(DmReadCompoundPortsTest, FeedbackOnALoopingCompoundIsRefused) {
                              "The feedback attribute can only be on non looping construct compounds.")}));
     EXPECT_FALSE(port("a")->isFeedback());
 }
-
-TEST_F(DmReadPortsTest, CorpusFileOfBadPortsReportsThemAndLoadsTheRest) {
-    EXPECT_EQ(loadCorpus("250_bad_ports.json"), DmStatus::kFailure);
-    std::string const file = "file:///250_bad_ports.json";
-    EXPECT_EQ(
-        printed(),
-        (std::vector<std::string>{
-            KestoTest::line("warning", file, "Missing port direction.",
-                            "The port 'bad::ports::sideways' does not have a direction."),
-            KestoTest::line("warning", file, "Illegal array of auto type.",
-                            "The port 'bad::ports::autos' has illegal type 'array<auto>', using 'auto' type "
-                            "instead."),
-            KestoTest::line("error", file, "Invalid iteration limit",
-                            "The output port 'limit' can not be an iteration limit.")}));
-    auto const ops = cppOperator("bad::ports");
-    ASSERT_TRUE(ops);
-    DmPortsInterface const& ports = ops->getPortsInterface();
-    ASSERT_EQ(ports.size(), 4u);
-    EXPECT_EQ(ports["sideways"]->getDirection(), kDirectionUnset);
-    EXPECT_EQ(ports["autos"]->getType(), DmLibrary::getAutoType());
-    EXPECT_EQ(ports["limit"]->getIterationAttribute(), kIterationNone);
-    EXPECT_TRUE(ports["good"]->getDefaultValueOverride());
-    ASSERT_TRUE(terminal("bad::Sink"));
-    EXPECT_TRUE(terminal("bad::Sink")->getPortsInterface().hasPort("in"));
-}
