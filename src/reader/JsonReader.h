@@ -25,6 +25,7 @@ class DmLibrary;
 class DmMessageLogger;
 class DmNamespace;
 class DmNodeDef;
+class DmOverloadSet;
 class DmPort;
 class DmTerminalStates;
 class DmTerminalNodeDef;
@@ -58,6 +59,9 @@ struct JsonReadContext {
 
 /// What the messages of a read are about: the file's URI ("file:///a.json").
 KESTODM_API std::string fileLocation(JsonReadContext const& context);
+/// The URI text of the definitions that hold a name in a scope: that of the
+/// first overload that has one, else the set's own.
+std::string uriTextOf(DmOverloadSet const& set);
 /// Reports a message of the read of `context`'s file to its logger, if any.
 KESTODM_API void reportAboutFile(JsonReadContext const& context, int category, std::string title,
                                  std::string description);

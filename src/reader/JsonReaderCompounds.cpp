@@ -316,10 +316,11 @@ void JsonReader::readCompound(Value const& object) {
         compound->setCompleteness(false);
         compound->setLibrary(&library);
 
-        std::shared_ptr<DmNodeDef> existing;
+        std::shared_ptr<DmOverloadSet> existing;
         if (scope != nullptr && m_context.nameResolution != kMakeUnique &&
-            scope->findNodeDef(local, existing) && existing && !hasCompatiblePorts(object, *existing)) {
-            std::string const otherURI = existing->getURI() ? existing->getURI()->getName() : std::string();
+            scope->findNodeDef(local, existing) && existing && !existing->empty() &&
+            !hasCompatiblePorts(object, *existing)) {
+            std::string const otherURI = uriTextOf(*existing);
             report(kWarning, "Invalid overload ports interface.",
                    "Compound " + quoted(fullName) + " defined in " + quoted(location()) +
                        " has incompatible ports interface with existing definition from " + quoted(otherURI) +

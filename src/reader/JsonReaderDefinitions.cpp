@@ -75,17 +75,6 @@ bool namesArrayOfAuto(std::string_view text) {
     return JsonFormat::namesArrayOfAuto(JsonFormat::normalizeTypeName(text));
 }
 
-/// The URI text of the definitions that hold a name in a scope: that of the
-/// first overload that has one, else the set's own.
-std::string uriTextOf(DmOverloadSet const& set) {
-    for (auto const& overload : set.getOverloads()) {
-        if (overload && overload->getURI()) {
-            return overload->getURI()->getName();
-        }
-    }
-    return set.getURI() ? set.getURI()->getName() : std::string();
-}
-
 } // namespace
 
 // ---------------------------------------------------------------------------

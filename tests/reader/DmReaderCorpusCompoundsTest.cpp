@@ -15,6 +15,7 @@
 #include <KestoDM/types/DmMetadata.h>
 #include <KestoDM/types/DmMetadataItem.h>
 
+#include "assets/AssetTestSupport.h"
 #include "reader/CompoundReadingSupport.h"
 
 #include <gtest/gtest.h>
@@ -409,6 +410,20 @@ TEST_F(DmReaderCorpusCompoundsTest, ShortImportedURIGivesTheMessageNamingTheKey)
     EXPECT_FALSE(compound("imp::short")->getImportedURI());
 }
 
+TEST_F(DmReaderCorpusCompoundsTest, ImportedURIOfAStreamResolverIsNotAFileURI) {
+    // Only a host resolver can hand out URIs of another kind than files.
+    m_library->registerAssetResolver(std::make_shared<KestoTest::HostResolver>(
+        "pipe", DmAssetResolver::kAccessInputStream, "/unused.json"));
+    ASSERT_EQ(loadCompounds(R"([{"name": "imp::piped", "uriImported": "pipe:graph", "ports": []}])"),
+              DmStatus::kSuccess);
+    EXPECT_EQ(m_printed,
+              (Strings{KestoTest::line("warning", "file:///a.json", "Imported URI is not a file URI.",
+                                       "'pipe:graph' is not a valid URI scheme to be used as imported URI. "
+                                       "The URI's scheme must be 'file:'.")}));
+    ASSERT_TRUE(compound("imp::piped"));
+    EXPECT_FALSE(compound("imp::piped")->getImportedURI());
+}
+
 TEST_F(DmReaderCorpusCompoundsTest, CompoundsWithBadImportedURIsHaveNoneAndTheLastIsImported) {
     ASSERT_EQ(loadCorpus("352_bad_uri_imported.json"), DmStatus::kSuccess);
     EXPECT_EQ(m_printed.size(), 3u) << joined(m_printed);
@@ -606,7 +621,7 @@ TEST_F(DmReaderCorpusCompoundsTest, BadFeedbackLinksLeaveThePortsUnlinked) {
 // Found while writing the corpus
 
 // The warning names the file of the existing compound; today the text ends in "from ''".
-TEST_F(DmReaderCorpusCompoundsTest, DISABLED_IncompatibleCompoundNamesTheFileOfTheExistingDefinition) {
+TEST_F(DmReaderCorpusCompoundsTest, IncompatibleCompoundNamesTheFileOfTheExistingDefinition) {
     EXPECT_EQ(load(R"(, "compounds": [
         {"name": "clash::twice", "ports": [{"portName": "a", "portDirection": "input", "portType": "int"}]},
         {"name": "clash::twice", "ports": [{"portName": "b", "portDirection": "output", "portType": "int"}]}])"),
