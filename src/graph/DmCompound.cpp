@@ -13,6 +13,7 @@
 #include <KestoDM/types/DmBaseValue.h>
 
 #include "graph/DmCompoundVisitorImport.h"
+#include "graph/DmMemberPath.h"
 
 #include <algorithm>
 
@@ -488,12 +489,14 @@ DmStatus DmCompound::makeConnection(std::string const& sourcePath, std::string c
     if (!sourceNode || !targetNode) {
         return refuse(kConnectionNodesNotInCompound, this);
     }
-    auto const source = (*sourceNode)[sourcePortName];
-    if (!source) {
+    // A port path goes on to the entries of multi-in and fan-in ports, and to
+    // struct members, after further points ("g.extras.e1"), as files write them.
+    std::shared_ptr<DmPort> source;
+    if (!findMemberByPath(&sourceNode->getPorts(), sourcePortName, source)) {
         return refuse(kConnectionSourcePortMissing, sourceNode.get());
     }
-    auto const target = (*targetNode)[targetPortName];
-    if (!target) {
+    std::shared_ptr<DmPort> target;
+    if (!findMemberByPath(&targetNode->getPorts(), targetPortName, target)) {
         return refuse(kConnectionTargetPortMissing, targetNode.get());
     }
     // Both nodes were found here.

@@ -29,6 +29,7 @@
 #include <KestoDM/types/DmMetadata.h>
 #include <KestoDM/types/DmMetadataItem.h>
 
+#include "graph/DmMemberPath.h"
 #include "reader/DmValueReader.h"
 
 #include <string>
@@ -241,14 +242,8 @@ std::shared_ptr<DmPort> JsonReader::findPortOfPath(DmCompound const& compound, s
         return nullptr;
     }
     // The port, then its members or entries after further points.
-    std::string const portPath = path.substr(point + 1);
-    std::size_t const memberPoint = portPath.find('.');
-    std::shared_ptr<DmPort> port = (*node)[portPath.substr(0, memberPoint)];
-    if (port && memberPoint != std::string::npos) {
-        std::shared_ptr<DmPort> memberPort;
-        port = port->getMember(portPath.substr(memberPoint + 1), memberPort) ? memberPort : nullptr;
-    }
-    if (!port) {
+    std::shared_ptr<DmPort> port;
+    if (!findMemberByPath(&node->getPorts(), path.substr(point + 1), port)) {
         report(kWarning, "Port not found.",
                "The port " + quoted(path) + " could not be found in compound " +
                    quoted(fullNameOf(compound)) + ".");

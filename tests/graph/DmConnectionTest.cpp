@@ -734,13 +734,26 @@ TEST_F(DmConnectionTest, PathWithoutDotNamesNoPort) {
     EXPECT_TRUE(scene.refusedAs("n1", "n2.a", DmCompound::kConnectionSourcePortMissing));
 }
 
-TEST_F(DmConnectionTest, PathReachesOnlyTheNodesOwnPorts) {
+TEST_F(DmConnectionTest, PathGoesOnToTheEntriesOfAPortAfterFurtherPoints) {
     Scene scene;
     auto const add = scene.addNode("add", makeAddDef());
     std::shared_ptr<DmPort> entry;
     ASSERT_EQ(add->addMultiInPortEntry("term", entry), DmStatus::kSuccess);
-    // The path is split at its first ".": "lhs.term" is no port of the node.
-    EXPECT_TRUE(scene.refusedAs("n1.out", "add.lhs.term", DmCompound::kConnectionTargetPortMissing));
+    Failure failure = DmCompound::kConnectionTargetTaken;
+    EXPECT_EQ(scene.attempt("n1.out", "add.lhs.term", failure), DmStatus::kSuccess);
+    EXPECT_EQ(failure, DmCompound::kConnectionOk);
+    ASSERT_NE(scene.made, nullptr);
+    EXPECT_EQ(scene.made->getTargetPort(), entry.get());
+}
+
+TEST_F(DmConnectionTest, PathToAMissingEntryIsTargetPortMissing) {
+    Scene scene;
+    auto const add = scene.addNode("add", makeAddDef());
+    std::shared_ptr<DmPort> entry;
+    ASSERT_EQ(add->addMultiInPortEntry("term", entry), DmStatus::kSuccess);
+    EXPECT_TRUE(scene.refusedAs("n1.out", "add.lhs.other", DmCompound::kConnectionTargetPortMissing));
+    EXPECT_TRUE(scene.refusedAs("n1.out", "add.lhs.", DmCompound::kConnectionTargetPortMissing));
+    EXPECT_TRUE(scene.refusedAs("n1.out", "add.term", DmCompound::kConnectionTargetPortMissing));
 }
 
 TEST_F(DmConnectionTest, PathFormGoesOnToThePortTests) {

@@ -330,7 +330,17 @@ TEST_F(DmReaderCorpusCompoundsTest, MultiInEntriesAndFanInMembersAreMade) {
     // The default fan-in port of the definition is not fan-in once the names are given.
     EXPECT_EQ(g->getNodeDef()->getPortsInterface()["items"]->getPortKind(), kPortDefaultFanIn);
     EXPECT_FALSE((*g)["items"]->isFanIn());
-    EXPECT_EQ(connectionsOf("bag::user"), (Strings{".x -> g.items", "m.merged -> .y"}));
+    // Paths go on to entries and members after a further point.
+    EXPECT_EQ(connectionsOf("bag::user"),
+              (Strings{".x -> g.items", ".x -> g.e1", ".x -> m.second", "m.merged -> .y"}));
+    std::shared_ptr<DmPort> e1;
+    std::shared_ptr<DmPort> second;
+    ASSERT_TRUE((*g)["extras"]->getMember("e1", e1));
+    ASSERT_TRUE(m->getMultiInPort()->getMember("second", second));
+    auto const& connections = compound("bag::user")->getConnections();
+    ASSERT_EQ(connections.size(), 4u);
+    EXPECT_EQ(connections[1]->getTargetPort(), e1.get());
+    EXPECT_EQ(connections[2]->getTargetPort(), second.get());
 }
 
 TEST_F(DmReaderCorpusCompoundsTest, LoopCompoundsLinkTheirStateAndInOutPorts) {
