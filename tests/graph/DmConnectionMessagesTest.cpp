@@ -206,14 +206,14 @@ TEST_F(DmConnectionMessagesTest, MissingPortOfTheSelfNodeIsAWarningAboutTheSelfN
 TEST_F(DmConnectionMessagesTest, PathWithMissingPortIsNamedAsGiven) {
     Scene scene;
     Failure failure = DmCompound::kConnectionOk;
-    // The target path reaches no port ("lhs.term" is no port name); both
-    // paths are quoted as they were given.
+    // The target path reaches no entry ("lhs" has no "other"); both paths
+    // are quoted as they were given.
     auto const add = scene.addNode("add", makeAddDef());
     std::shared_ptr<DmPort> entry;
     ASSERT_EQ(add->addMultiInPortEntry("term", entry), DmStatus::kSuccess);
-    EXPECT_EQ(scene.attempt(".x", "add.lhs.term", failure), DmStatus::kInvalidArgument);
+    EXPECT_EQ(scene.attempt(".x", "add.lhs.other", failure), DmStatus::kInvalidArgument);
     EXPECT_EQ(failure, DmCompound::kConnectionTargetPortMissing);
-    expectConnectionReport(*scene.logger, ".x", "add.lhs.term", "(target port not found on node)",
+    expectConnectionReport(*scene.logger, ".x", "add.lhs.other", "(target port not found on node)",
                            BaMessageTypes::kMessageWarning, add.get(), "add");
 }
 
