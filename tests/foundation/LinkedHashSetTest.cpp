@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -151,4 +154,63 @@ TEST(LinkedHashSet, CopyIsIndependent) {
     copy.erase(1);
     EXPECT_EQ(std::vector<int>(original.begin(), original.end()), (std::vector<int>{1, 2}));
     EXPECT_EQ(std::vector<int>(copy.begin(), copy.end()), (std::vector<int>{2, 3}));
+}
+
+namespace {
+
+/// A hash that sends every key to one of three values: long runs of
+/// colliding keys, which wrap around the end of the index.
+struct CollidingHash {
+    std::size_t operator()(int key) const noexcept { return static_cast<std::size_t>(key % 3); }
+    std::size_t operator()(std::string const& key) const noexcept { return key.size() % 3; }
+};
+
+/// Applies random inserts and erases to `set` and to a vector in insertion
+/// order; after each step both hold the same keys in the same order and
+/// every key is found.
+template <class SetType, class MakeKey>
+void checkAgainstAVector(SetType& set, MakeKey makeKey) {
+    std::mt19937 random(7);
+    std::vector<decltype(makeKey(0))> expected;
+    for (int step = 0; step < 4000; ++step) {
+        auto const key = makeKey(static_cast<int>(random() % 300));
+        auto const found = std::find(expected.begin(), expected.end(), key);
+        if (random() % 3 == 0) {
+            ASSERT_EQ(set.erase(key), found != expected.end() ? 1u : 0u) << step;
+            if (found != expected.end()) {
+                expected.erase(found);
+            }
+        } else {
+            ASSERT_EQ(set.insert(key).second, found == expected.end()) << step;
+            if (found == expected.end()) {
+                expected.push_back(key);
+            }
+        }
+        ASSERT_EQ(set.size(), expected.size()) << step;
+        if (step % 97 == 0) {
+            ASSERT_TRUE(std::equal(set.begin(), set.end(), expected.begin(), expected.end())) << step;
+            for (auto const& present : expected) {
+                ASSERT_TRUE(set.contains(present)) << step;
+            }
+        }
+    }
+}
+
+} // namespace
+
+TEST(LinkedHashSet, ScalarKeysWithCollidingHashesSurviveRandomInsertsAndErases) {
+    LinkedHashSet<int, CollidingHash> set;
+    checkAgainstAVector(set, [](int i) { return i; });
+}
+
+TEST(LinkedHashSet, StoredHashesWithCollisionsSurviveRandomInsertsAndErases) {
+    LinkedHashSet<std::string, CollidingHash> set;
+    checkAgainstAVector(
+        set, [](int i) { return std::string(static_cast<std::size_t>(i % 17), 'x') + std::to_string(i); });
+}
+
+TEST(LinkedHashSet, PointerKeysSurviveRandomInsertsAndErases) {
+    static int cells[300];
+    LinkedHashSet<int const*> set;
+    checkAgainstAVector(set, [](int i) { return static_cast<int const*>(&cells[i]); });
 }

@@ -12,14 +12,19 @@ namespace Kesto {
 namespace detail {
 
 /// The table behind LinkedHashMap and LinkedHashSet: nodes on a circular list
-/// in insertion order, found through hash chains.
+/// in insertion order, found through a hash index.
 ///
 /// Most tables of a graph are small (the ports of a node, the far ends of a
-/// port), so a table of up to kLinearLimit entries has no buckets: a lookup
-/// walks the list and compares stored hashes first. Above that a bucket
-/// array, a power of two, indexes the chains. Nodes never move: iterators and
-/// references stay valid until their entry is erased. The table is held
-/// through a pointer by its owners, so the list's head never moves either.
+/// port), so a table of up to kLinearLimit entries has no index: a lookup
+/// walks the list. Above that an array of node pointers, a power of two in
+/// size and at most half full, indexes the nodes by open addressing with
+/// linear probing, so that a node needs no chain link. Nodes do not keep the
+/// hash of their key either: a node of a set of pointers is three words, and
+/// the keys of graphs (names, pointers) hash in a few instructions when the
+/// index grows or closes a hole.
+/// Nodes never move: iterators and references stay valid until their entry is
+/// erased. The table is held through a pointer by its owners, so the list's
+/// head never moves either.
 template <class Value, class KeyOf, class Hash, class Equal, class Allocator>
 class LinkedHashTable {
     struct Link {
@@ -29,8 +34,6 @@ class LinkedHashTable {
     struct Node : Link {
         template <class... Args>
         explicit Node(Args&&... args) : value(std::forward<Args>(args)...) {}
-        Node* chain = nullptr;
-        std::size_t hash = 0;
         Value value;
     };
     using NodeAllocator = typename std::allocator_traits<Allocator>::template rebind_alloc<Node>;
@@ -101,18 +104,21 @@ public:
 
     template <class K>
     iterator find(K const& key) {
-        std::size_t const hash = Hash()(key);
         if (m_buckets) {
-            for (Node* node = m_buckets[bucketOf(hash)]; node != nullptr; node = node->chain) {
-                if (node->hash == hash && Equal()(KeyOf()(node->value), key)) {
+            std::size_t const mask = bucketCount() - 1;
+            for (std::size_t slot = bucketOf(Hash()(key));; slot = (slot + 1) & mask) {
+                Node* const node = m_buckets[slot];
+                if (node == nullptr) {
+                    return end();
+                }
+                if (matches(node, key)) {
                     return iterator(node);
                 }
             }
-            return end();
         }
         for (Link* link = m_head.next; link != &m_head; link = link->next) {
             Node* const node = static_cast<Node*>(link);
-            if (node->hash == hash && Equal()(KeyOf()(node->value), key)) {
+            if (matches(node, key)) {
                 return iterator(node);
             }
         }
@@ -124,7 +130,6 @@ public:
     template <class... Args>
     std::pair<iterator, bool> emplace_back(Args&&... args) {
         Node* const node = makeNode(std::forward<Args>(args)...);
-        node->hash = Hash()(KeyOf()(node->value));
         iterator const found = find(KeyOf()(node->value));
         if (found != end()) {
             dropNode(node);
@@ -195,7 +200,6 @@ public:
             dropNode(node);
             throw;
         }
-        node->hash = Hash()(KeyOf()(node->value));
         index(node);
     }
 
@@ -242,6 +246,12 @@ private:
         link->next->prev = link->prev;
     }
 
+    template <class K>
+    static bool matches(Node const* node, K const& key) {
+        return Equal()(KeyOf()(node->value), key);
+    }
+    static std::size_t hashOf(Node const* node) { return Hash()(KeyOf()(node->value)); }
+
     // Fibonacci hashing: the top bits of the product, so that pointer keys,
     // whose low bits are zero, spread over the buckets too.
     std::size_t bucketOf(std::size_t hash) const noexcept {
@@ -249,42 +259,62 @@ private:
                                         m_shift);
     }
 
-    // Puts the node on its chain, growing the buckets when the table is too
-    // big for a walk of the list or too full for its buckets.
+    // The index of an entry at most every second slot, whatever the maximum
+    // load factor says: linear probing needs free slots to stay short.
+    float loadLimit() const noexcept { return m_maxLoadFactor < 0.5f ? m_maxLoadFactor : 0.5f; }
+
+    // Puts the node into the index, growing it when the table is too big
+    // for a walk of the list or too full for its slots.
     void index(Node* node) {
         if (!m_buckets) {
             if (m_size <= kLinearLimit) {
                 return;
             }
             growFor(m_size);
-            return; // growFor chained every node, this one included.
+            return; // growFor indexed every node, this one included.
         }
-        if (static_cast<float>(m_size) > static_cast<float>(bucketCount()) * m_maxLoadFactor) {
+        if (static_cast<float>(m_size) > static_cast<float>(bucketCount()) * loadLimit()) {
             growFor(m_size);
             return;
         }
-        Node*& first = m_buckets[bucketOf(node->hash)];
-        node->chain = first;
-        first = node;
+        place(node);
     }
+    void place(Node* node) noexcept {
+        std::size_t const mask = bucketCount() - 1;
+        std::size_t slot = bucketOf(hashOf(node));
+        while (m_buckets[slot] != nullptr) {
+            slot = (slot + 1) & mask;
+        }
+        m_buckets[slot] = node;
+    }
+    // Takes the node out of the index and moves later nodes of its run back
+    // into the hole, so that no search stops early at it.
     void unindex(Node* node) noexcept {
         if (!m_buckets) {
             return;
         }
-        Node** slot = &m_buckets[bucketOf(node->hash)];
-        while (*slot != node) {
-            slot = &(*slot)->chain;
+        std::size_t const mask = bucketCount() - 1;
+        std::size_t hole = bucketOf(hashOf(node));
+        while (m_buckets[hole] != node) {
+            hole = (hole + 1) & mask;
         }
-        *slot = node->chain;
-        node->chain = nullptr;
+        for (std::size_t slot = (hole + 1) & mask; m_buckets[slot] != nullptr; slot = (slot + 1) & mask) {
+            std::size_t const home = bucketOf(hashOf(m_buckets[slot]));
+            // The node may move back when the hole lies between its home slot and where it is.
+            if (((slot - home) & mask) >= ((slot - hole) & mask)) {
+                m_buckets[hole] = m_buckets[slot];
+                hole = slot;
+            }
+        }
+        m_buckets[hole] = nullptr;
     }
 
-    // Rebuilds the buckets for `n` entries at the maximum load factor and
-    // chains every node of the list again.
+    // Rebuilds the index for `n` entries and puts every node of the list
+    // into it again.
     void growFor(std::size_t n) {
         std::size_t count = 16;
         unsigned bits = 4;
-        while (static_cast<float>(count) * m_maxLoadFactor < static_cast<float>(n)) {
+        while (static_cast<float>(count) * loadLimit() < static_cast<float>(n)) {
             count *= 2;
             ++bits;
         }
@@ -294,15 +324,12 @@ private:
         m_buckets = std::make_unique<Node*[]>(count);
         m_shift = 64 - bits;
         for (Link* link = m_head.next; link != &m_head; link = link->next) {
-            Node* const node = static_cast<Node*>(link);
-            Node*& first = m_buckets[bucketOf(node->hash)];
-            node->chain = first;
-            first = node;
+            place(static_cast<Node*>(link));
         }
     }
 
-    // The number of buckets is a power of two that the shift tells: 40 bytes
-    // a table, one size class of the allocator below 48.
+    // The number of slots of the index is a power of two that the shift
+    // tells: 40 bytes a table, one size class of the allocator below 48.
     std::size_t bucketCount() const noexcept { return m_buckets ? std::size_t(1) << (64 - m_shift) : 0; }
 
     Link m_head;
