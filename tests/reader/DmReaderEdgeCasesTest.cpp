@@ -19,7 +19,6 @@
 #include <vector>
 
 using namespace Kesto;
-using KestoTest::line;
 using KestoTest::longForm;
 
 namespace {
