@@ -52,7 +52,11 @@ std::shared_ptr<DmPort> DmPort::newPort(std::shared_ptr<DmPortDescription> const
 DmPort::DmPort(InternalConstructor, std::shared_ptr<DmPortDescription> description, DmNode* node,
                DmPort* parent)
     : DmNamedEntity(description->getName(), true), m_fanIn(description->isDefaultFanIn()),
-      m_description(std::move(description)), m_node(node), m_parent(parent) {}
+      m_description(std::move(description)), m_node(node) {
+    if (parent != nullptr) {
+        extras().parent = parent;
+    }
+}
 
 DmPort::~DmPort() = default;
 
@@ -64,8 +68,8 @@ std::string const& DmPort::getName() const {
 }
 
 void DmPort::resolveFullName(std::string& out) const {
-    if (m_parent != nullptr) {
-        m_parent->resolveFullName(out);
+    if (DmPort const* const parent = getParent()) {
+        parent->resolveFullName(out);
         out += '.';
     } else if (m_node != nullptr) {
         m_node->resolveFullName(out);
@@ -83,14 +87,14 @@ bool DmPort::setName(std::string const& name, DmNameResolutionType type, DmNameR
     if (resolved == oldName) {
         return true;
     }
-    if (m_parent != nullptr) {
+    if (DmPort* const parent = getParent()) {
         // A struct member is named by its struct type, and its description
         // is shared by every node: it keeps its name.
-        if (!m_parent->isMultiIn() && !m_parent->isFanIn()) {
+        if (!parent->isMultiIn() && !parent->isFanIn()) {
             return false;
         }
         // An entry: unique among its siblings, re-keyed in place.
-        MemberMap& siblings = m_parent->members();
+        MemberMap& siblings = parent->members();
         if (siblings.contains(resolved) ||
             !m_description->DmNamedEntity::setName(resolved, type, kNameVerbatim)) {
             return false;
@@ -129,10 +133,10 @@ bool DmPort::setPortDescription(std::shared_ptr<DmPortDescription> const& descri
 }
 
 void DmPort::rebindMembers() {
-    if (!m_members || isMultiIn() || m_fanIn) {
+    if (!memberMap() || isMultiIn() || m_fanIn) {
         return;
     }
-    for (auto const& entry : *m_members) {
+    for (auto const& entry : *memberMap()) {
         std::shared_ptr<DmPortDescription> member;
         if (m_description->getMember(entry.first, member)) {
             entry.second->m_description = member;
@@ -143,18 +147,18 @@ void DmPort::rebindMembers() {
 
 void DmPort::breakMemberConnections() {
     DmCompound* const owner = ownerCompound();
-    if (owner == nullptr || !m_members) {
+    if (owner == nullptr || !memberMap()) {
         return;
     }
-    for (auto const& entry : *m_members) {
+    for (auto const& entry : *memberMap()) {
         owner->breakAllConnections(entry.second);
     }
 }
 
 void DmPort::forgetNode() noexcept {
     m_node = nullptr;
-    if (m_members) {
-        for (auto const& entry : *m_members) {
+    if (memberMap() != nullptr) {
+        for (auto const& entry : *memberMap()) {
             entry.second->forgetNode();
         }
     }
@@ -205,9 +209,9 @@ void DmPort::initializeFrom(std::shared_ptr<DmBaseValue> const& value) {
     // Entries of a multi-in or fan-in port stay; struct members are rebuilt
     // from the type, and the old ones take their connections with them.
     bool const holdsEntries = isMultiIn() || m_fanIn;
-    if (!holdsEntries && m_members) {
+    if (!holdsEntries && hasMembers()) {
         breakMemberConnections();
-        m_members.reset();
+        m_extras->members.clear();
     }
     if (holdsEntries || !isStructKind(m_description->getType())) {
         return;
@@ -215,7 +219,7 @@ void DmPort::initializeFrom(std::shared_ptr<DmBaseValue> const& value) {
     // One member port per struct member, whose value is the member of the
     // struct value: the two share their storage.
     auto const* const structValue = dynamic_cast<DmStructValue const*>(value.get());
-    m_members = std::make_shared<MemberMap>();
+    MemberMap& memberPorts = members();
     for (auto const& entry : m_description->getMembers()) {
         auto member = std::make_shared<DmPort>(InternalConstructor(), entry.second, m_node, this);
         std::shared_ptr<DmBaseValue> memberValue;
@@ -223,7 +227,7 @@ void DmPort::initializeFrom(std::shared_ptr<DmBaseValue> const& value) {
             structValue->getMember(entry.first, memberValue);
         }
         member->initializeFrom(memberValue);
-        m_members->insert(entry.first, std::move(member));
+        memberPorts.insert(entry.first, std::move(member));
     }
 }
 
@@ -246,8 +250,9 @@ bool DmPort::setDefaultValue(std::shared_ptr<DmBaseValue> const& value) {
         }
         initialize();
     }
-    if (m_parent != nullptr && !m_parent->isMultiIn() && !m_parent->isFanIn()) {
-        if (auto const parentValue = std::dynamic_pointer_cast<DmStructValue>(m_parent->getDefaultValue())) {
+    DmPort const* const parent = getParent();
+    if (parent != nullptr && !parent->isMultiIn() && !parent->isFanIn()) {
+        if (auto const parentValue = std::dynamic_pointer_cast<DmStructValue>(parent->getDefaultValue())) {
             parentValue->setMember(getName(), value);
         }
     }
@@ -258,14 +263,14 @@ bool DmPort::setDefaultValue(std::shared_ptr<DmBaseValue> const& value) {
 void DmPort::updatePortValue(std::shared_ptr<DmBaseValue> const& value) {
     m_defaultPending = false;
     m_defaultValue = value;
-    if (!m_members || !isStructKind(m_description->getType())) {
+    if (!memberMap() || !isStructKind(m_description->getType())) {
         return;
     }
     auto const* const structValue = dynamic_cast<DmStructValue const*>(value.get());
     if (structValue == nullptr) {
         return;
     }
-    for (auto const& entry : *m_members) {
+    for (auto const& entry : *memberMap()) {
         std::shared_ptr<DmBaseValue> memberValue;
         if (structValue->getMember(entry.first, memberValue)) {
             entry.second->updatePortValue(memberValue);
@@ -282,8 +287,9 @@ std::shared_ptr<DmBaseValue> DmPort::findUnconnectedPortValue() const {
     if (m_node == nullptr) {
         return nullptr;
     }
-    if (m_parent != nullptr && (m_parent->isMultiIn() || m_parent->isFanIn())) {
-        return m_node->findUnconnectedPortValue(m_parent->getName());
+    DmPort const* const parent = getParent();
+    if (parent != nullptr && (parent->isMultiIn() || parent->isFanIn())) {
+        return m_node->findUnconnectedPortValue(parent->getName());
     }
     return m_node->findUnconnectedPortValue(getName());
 }
@@ -302,15 +308,19 @@ std::shared_ptr<DmBaseValue> DmPort::getDefaultValueOverride() const {
 // ---------------------------------------------------------------------------
 // Members and entries
 
-DmPort::MemberMap& DmPort::members() {
-    if (!m_members) {
-        m_members = std::make_shared<MemberMap>();
+DmPort::Extras& DmPort::extras() {
+    if (!m_extras) {
+        m_extras = std::make_unique<Extras>();
     }
-    return *m_members;
+    return *m_extras;
+}
+
+DmPort::MemberMap& DmPort::members() {
+    return extras().members;
 }
 
 DmPort::MemberMap const& DmPort::getMembers() const {
-    return m_members ? *m_members : emptyMembers();
+    return m_extras ? m_extras->members : emptyMembers();
 }
 
 bool DmPort::addMember(std::shared_ptr<DmPort> const& port) {
@@ -318,7 +328,7 @@ bool DmPort::addMember(std::shared_ptr<DmPort> const& port) {
 }
 
 bool DmPort::getMember(std::string const& path, std::shared_ptr<DmPort>& out) const {
-    return findMemberByPath(m_members.get(), path, out);
+    return findMemberByPath(memberMap(), path, out);
 }
 
 DmStatus DmPort::addMultiInPortEntry(std::string const& name, std::shared_ptr<DmPort>& out,
@@ -345,17 +355,18 @@ DmStatus DmPort::addMultiInPortEntry(std::string const& name, std::shared_ptr<Dm
 }
 
 DmStatus DmPort::removeMultiInPortEntry(std::shared_ptr<DmPort> const& entry) {
-    if (!m_members || m_members->empty() || (!isMultiIn() && !m_fanIn) || !entry) {
+    if (!hasMembers() || (!isMultiIn() && !m_fanIn) || !entry) {
         return DmStatus::kFailure;
     }
-    auto const found = m_members->find(entry->getName());
-    if (found == m_members->end() || found->second != entry) {
+    MemberMap& entries = m_extras->members;
+    auto const found = entries.find(entry->getName());
+    if (found == entries.end() || found->second != entry) {
         return DmStatus::kFailure;
     }
     if (DmCompound* const owner = ownerCompound()) {
         owner->breakAllConnections(entry);
     }
-    m_members->erase(entry->getName());
+    entries.erase(entry->getName());
     return DmStatus::kSuccess;
 }
 
@@ -370,7 +381,6 @@ DmStatus DmPort::setFanIn(bool fanIn) {
             return DmStatus::kFailure;
         }
         m_fanIn = true;
-        m_members = std::make_shared<MemberMap>();
         // The one connection feeding the port moves to the first entry.
         if (owner != nullptr && !m_connectedPorts.empty()) {
             std::shared_ptr<DmPort> const source = sharedFrom(*m_connectedPorts.begin());
@@ -399,7 +409,9 @@ DmStatus DmPort::setFanIn(bool fanIn) {
             owner->breakConnection(feed.first, feed.second);
         }
     }
-    m_members.reset();
+    if (m_extras) {
+        m_extras->members.clear();
+    }
     m_fanIn = false;
     if (firstSource) {
         std::shared_ptr<DmConnection> moved;
@@ -416,17 +428,23 @@ DmCompound* DmPort::ownerCompound() const noexcept {
 // Watch point
 
 std::shared_ptr<DmWatchPoint> const& DmPort::setWatchPoint() {
-    if (!m_watchPoint) {
-        m_watchPoint = DmWatchPoint::createNew();
+    std::shared_ptr<DmWatchPoint>& watchPoint = extras().watchPoint;
+    if (!watchPoint) {
+        watchPoint = DmWatchPoint::createNew();
     }
-    return m_watchPoint;
+    return watchPoint;
+}
+
+std::shared_ptr<DmWatchPoint> const& DmPort::getWatchPoint() const noexcept {
+    static std::shared_ptr<DmWatchPoint> const none;
+    return m_extras ? m_extras->watchPoint : none;
 }
 
 DmStatus DmPort::removeWatchPoint() {
-    if (!m_watchPoint) {
+    if (!m_extras || !m_extras->watchPoint) {
         return DmStatus::kFailure;
     }
-    m_watchPoint.reset();
+    m_extras->watchPoint.reset();
     return DmStatus::kSuccess;
 }
 

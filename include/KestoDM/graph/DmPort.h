@@ -56,8 +56,8 @@ public:
     bool setName(std::string const& name, DmNameResolutionType type, DmNameResolveFlags flags) override;
     std::string getMapEntryKey() const { return getName(); }
     DmNode* getNode() const noexcept { return m_node; }
-    DmPort* getParent() const noexcept { return m_parent; }
-    bool isMember() const noexcept { return m_parent != nullptr; }
+    DmPort* getParent() const noexcept { return m_extras ? m_extras->parent : nullptr; }
+    bool isMember() const noexcept { return getParent() != nullptr; }
     std::shared_ptr<DmPortDescription> const& getPortDescription() const noexcept { return m_description; }
     std::shared_ptr<DmPortDescription const> getConstPortDescription() const noexcept {
         return m_description;
@@ -100,7 +100,7 @@ public:
     /// @{
     /// The member ports of a struct, or the entries of a multi-in or fan-in port.
     MemberMap const& getMembers() const;
-    bool hasMembers() const noexcept { return m_members && !m_members->empty(); }
+    bool hasMembers() const noexcept { return m_extras && !m_extras->members.empty(); }
     /// Adds `port` under its name; false for a taken name.
     bool addMember(std::shared_ptr<DmPort> const& port);
     /// The member at the "."-separated `path`; false when there is none.
@@ -128,7 +128,8 @@ public:
     /// @{
     /// The port's watch point, made at the first call.
     std::shared_ptr<DmWatchPoint> const& setWatchPoint();
-    std::shared_ptr<DmWatchPoint> const& getWatchPoint() const noexcept { return m_watchPoint; }
+    /// The port's watch point; null when it has none.
+    std::shared_ptr<DmWatchPoint> const& getWatchPoint() const noexcept;
     /// kFailure when the port has none.
     DmStatus removeWatchPoint();
     /// @}
@@ -145,6 +146,8 @@ private:
     /// Stores `value` and rewrites the members' values from it, recursively.
     void updatePortValue(std::shared_ptr<DmBaseValue> const& value);
     MemberMap& members();
+    /// The members or entries, or null while the port never had any.
+    MemberMap* memberMap() const noexcept { return m_extras ? &m_extras->members : nullptr; }
     /// Clears the node pointer of this port and its members, when the node dies.
     void forgetNode() noexcept;
     /// Points the struct members at the members of the port's description.
@@ -160,10 +163,17 @@ private:
     std::shared_ptr<DmPortDescription> m_description;
     DmNode* m_node;
     mutable std::shared_ptr<DmBaseValue> m_defaultValue;
-    DmPort* m_parent;
-    std::shared_ptr<MemberMap> m_members;
     ConnectedPorts m_connectedPorts;
-    std::shared_ptr<DmWatchPoint> m_watchPoint;
+    // What few ports have, kept apart so that the many plain ports of a graph
+    // stay small: the port an entry or member belongs to, the port's own
+    // members or entries, and a watch point. Made when first needed.
+    struct Extras {
+        DmPort* parent = nullptr;
+        MemberMap members;
+        std::shared_ptr<DmWatchPoint> watchPoint;
+    };
+    Extras& extras();
+    std::unique_ptr<Extras> m_extras;
 };
 
 } // namespace Kesto
