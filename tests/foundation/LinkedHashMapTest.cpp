@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
+
 #include <memory>
 #include <string>
 #include <string_view>
@@ -405,4 +408,67 @@ TEST(LinkedHashMap, PointerKeysSpreadOverBuckets) {
     }
     for (int i = 0; i < 5000; ++i)
         ASSERT_EQ(map.at(owners[static_cast<std::size_t>(i)].get()), i);
+}
+
+namespace {
+
+/// Sends every key to one of three hashes: long runs of colliding keys that
+/// wrap around the end of the index, so that erasing and re-keying must move
+/// later keys of a run back into the hole.
+struct ThreeHashes {
+    std::size_t operator()(std::string_view key) const noexcept { return key.size() % 3; }
+};
+using CollidingMap = LinkedHashMap<std::string, int, ThreeHashes, StringCompare>;
+
+} // namespace
+
+TEST(LinkedHashMap, CollidingKeysSurviveRandomInsertsErasesAndRekeys) {
+    std::mt19937 random(11);
+    CollidingMap map;
+    std::vector<std::pair<std::string, int>> expected;
+    auto const keyOf = [](unsigned n) { return std::string(n % 13, 'k') + std::to_string(n); };
+    auto const position = [&expected](std::string const& key) {
+        return std::find_if(expected.begin(), expected.end(),
+                            [&key](auto const& entry) { return entry.first == key; });
+    };
+    for (int step = 0; step < 4000; ++step) {
+        std::string const key = keyOf(static_cast<unsigned>(random() % 250));
+        auto const found = position(key);
+        switch (random() % 4) {
+        case 0:
+            ASSERT_EQ(map.erase(key), found != expected.end() ? 1u : 0u) << step;
+            if (found != expected.end()) {
+                expected.erase(found);
+            }
+            break;
+        case 1: {
+            // A present key takes a name not yet in the map, in place.
+            std::string const renamed = keyOf(static_cast<unsigned>(250 + random() % 250));
+            if (found == expected.end() || position(renamed) != expected.end()) {
+                break;
+            }
+            ASSERT_TRUE(map.rekey(map.find(key), renamed)) << step;
+            found->first = renamed;
+            break;
+        }
+        default:
+            ASSERT_EQ(map.insert(key, step).second, found == expected.end()) << step;
+            if (found == expected.end()) {
+                expected.emplace_back(key, step);
+            }
+            break;
+        }
+        ASSERT_EQ(map.size(), expected.size()) << step;
+        if (step % 89 == 0) {
+            std::vector<std::pair<std::string, int>> held;
+            for (auto const& entry : map) {
+                held.emplace_back(entry.first, entry.second);
+            }
+            ASSERT_EQ(held, expected) << step;
+            for (auto const& entry : expected) {
+                ASSERT_TRUE(map.contains(entry.first)) << step;
+                ASSERT_EQ(map.at(entry.first), entry.second) << step;
+            }
+        }
+    }
 }
