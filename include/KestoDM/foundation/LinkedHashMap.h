@@ -235,6 +235,8 @@ public:
     /// @name Hashing
     /// @{
     void reserve(size_type n) { m_container.get().reserve(n); }
+    /// The fill above which the index grows; the index is never filled beyond
+    /// one half whatever the setting, since its probes need free slots.
     float max_load_factor() const noexcept { return made() ? made()->max_load_factor() : 1.0f; }
     void max_load_factor(float factor) { m_container.get().max_load_factor(factor); }
     /// @}

@@ -104,10 +104,10 @@ public:
 
     template <class K>
     iterator find(K const& key) {
-        if (m_buckets) {
-            std::size_t const mask = bucketCount() - 1;
-            for (std::size_t slot = bucketOf(Hash()(key));; slot = (slot + 1) & mask) {
-                Node* const node = m_buckets[slot];
+        if (m_slots) {
+            std::size_t const mask = slotCount() - 1;
+            for (std::size_t slot = slotOf(Hash()(key));; slot = (slot + 1) & mask) {
+                Node* const node = m_slots[slot];
                 if (node == nullptr) {
                     return end();
                 }
@@ -171,7 +171,7 @@ public:
         }
         m_head.prev = m_head.next = &m_head;
         m_size = 0;
-        m_buckets.reset();
+        m_slots.reset();
         m_shift = 64;
     }
 
@@ -211,7 +211,7 @@ public:
     float max_load_factor() const noexcept { return m_maxLoadFactor; }
     void max_load_factor(float factor) {
         m_maxLoadFactor = factor > 0.0f ? factor : 1.0f;
-        if (m_buckets) {
+        if (m_slots) {
             growFor(m_size);
         }
     }
@@ -253,8 +253,8 @@ private:
     static std::size_t hashOf(Node const* node) { return Hash()(KeyOf()(node->value)); }
 
     // Fibonacci hashing: the top bits of the product, so that pointer keys,
-    // whose low bits are zero, spread over the buckets too.
-    std::size_t bucketOf(std::size_t hash) const noexcept {
+    // whose low bits are zero, spread over the slots too.
+    std::size_t slotOf(std::size_t hash) const noexcept {
         return static_cast<std::size_t>((static_cast<std::uint64_t>(hash) * 0x9E3779B97F4A7C15ull) >>
                                         m_shift);
     }
@@ -266,47 +266,47 @@ private:
     // Puts the node into the index, growing it when the table is too big
     // for a walk of the list or too full for its slots.
     void index(Node* node) {
-        if (!m_buckets) {
+        if (!m_slots) {
             if (m_size <= kLinearLimit) {
                 return;
             }
             growFor(m_size);
             return; // growFor indexed every node, this one included.
         }
-        if (static_cast<float>(m_size) > static_cast<float>(bucketCount()) * loadLimit()) {
+        if (static_cast<float>(m_size) > static_cast<float>(slotCount()) * loadLimit()) {
             growFor(m_size);
             return;
         }
         place(node);
     }
     void place(Node* node) noexcept {
-        std::size_t const mask = bucketCount() - 1;
-        std::size_t slot = bucketOf(hashOf(node));
-        while (m_buckets[slot] != nullptr) {
+        std::size_t const mask = slotCount() - 1;
+        std::size_t slot = slotOf(hashOf(node));
+        while (m_slots[slot] != nullptr) {
             slot = (slot + 1) & mask;
         }
-        m_buckets[slot] = node;
+        m_slots[slot] = node;
     }
     // Takes the node out of the index and moves later nodes of its run back
     // into the hole, so that no search stops early at it.
     void unindex(Node* node) noexcept {
-        if (!m_buckets) {
+        if (!m_slots) {
             return;
         }
-        std::size_t const mask = bucketCount() - 1;
-        std::size_t hole = bucketOf(hashOf(node));
-        while (m_buckets[hole] != node) {
+        std::size_t const mask = slotCount() - 1;
+        std::size_t hole = slotOf(hashOf(node));
+        while (m_slots[hole] != node) {
             hole = (hole + 1) & mask;
         }
-        for (std::size_t slot = (hole + 1) & mask; m_buckets[slot] != nullptr; slot = (slot + 1) & mask) {
-            std::size_t const home = bucketOf(hashOf(m_buckets[slot]));
+        for (std::size_t slot = (hole + 1) & mask; m_slots[slot] != nullptr; slot = (slot + 1) & mask) {
+            std::size_t const home = slotOf(hashOf(m_slots[slot]));
             // The node may move back when the hole lies between its home slot and where it is.
             if (((slot - home) & mask) >= ((slot - hole) & mask)) {
-                m_buckets[hole] = m_buckets[slot];
+                m_slots[hole] = m_slots[slot];
                 hole = slot;
             }
         }
-        m_buckets[hole] = nullptr;
+        m_slots[hole] = nullptr;
     }
 
     // Rebuilds the index for `n` entries and puts every node of the list
@@ -318,10 +318,10 @@ private:
             count *= 2;
             ++bits;
         }
-        if (m_buckets && count <= bucketCount()) {
+        if (m_slots && count <= slotCount()) {
             return;
         }
-        m_buckets = std::make_unique<Node*[]>(count);
+        m_slots = std::make_unique<Node*[]>(count);
         m_shift = 64 - bits;
         for (Link* link = m_head.next; link != &m_head; link = link->next) {
             place(static_cast<Node*>(link));
@@ -330,11 +330,11 @@ private:
 
     // The number of slots of the index is a power of two that the shift
     // tells: 40 bytes a table, one size class of the allocator below 48.
-    std::size_t bucketCount() const noexcept { return m_buckets ? std::size_t(1) << (64 - m_shift) : 0; }
+    std::size_t slotCount() const noexcept { return m_slots ? std::size_t(1) << (64 - m_shift) : 0; }
 
     Link m_head;
     std::size_t m_size = 0;
-    std::unique_ptr<Node*[]> m_buckets;
+    std::unique_ptr<Node*[]> m_slots;
     unsigned m_shift = 64;
     float m_maxLoadFactor = 1.0f;
 };
