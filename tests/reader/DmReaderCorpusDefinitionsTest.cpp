@@ -16,14 +16,13 @@
 #include <KestoDM/types/DmMetadataItem.h>
 #include <KestoDM/types/DmStructValue.h>
 
+#include "reader/CorpusExpectations.h"
 #include "reader/NodeDefReadingTestSupport.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -38,38 +37,20 @@ protected:
         return std::string(KESTODM_TEST_DATA_DIR) + "/reader/" + name;
     }
 
-    /// The status and the printed lines that the sidecar of the bad file
-    /// `base` (without extension) expects.
-    static std::pair<DmStatus, std::vector<std::string>> sidecar(std::string const& base) {
-        std::ifstream in(corpusPath(base + ".expected"));
-        EXPECT_TRUE(in) << base;
-        std::vector<std::string> lines;
-        int status = -1;
-        std::string one;
-        while (std::getline(in, one)) {
-            if (one.empty() || one[0] == '#') {
-                continue;
-            }
-            if (lines.empty() && status < 0 && one.rfind("status: ", 0) == 0) {
-                status = std::stoi(one.substr(8));
-                continue;
-            }
-            lines.push_back(one);
-        }
-        if (status < 0) {
-            bool const anyError = std::any_of(lines.begin(), lines.end(),
-                                              [](std::string const& l) { return l.rfind("error:", 0) == 0; });
-            status = anyError ? DmStatus::kFailure : DmStatus::kSuccess;
-        }
-        return {DmStatus(static_cast<DmStatus::Status>(status)), lines};
+    /// What the sidecar of the bad file `base` (without extension) expects.
+    static KestoTest::CorpusExpectation sidecar(std::string const& base) {
+        KestoTest::CorpusExpectation expected =
+            KestoTest::expectationOf(std::string(KESTODM_TEST_DATA_DIR) + "/reader", base + ".json");
+        EXPECT_TRUE(expected.problem.empty()) << expected.problem;
+        return expected;
     }
 
     /// Loads the bad file `base` and checks its status and printed lines
     /// against its sidecar.
     void loadBad(std::string const& base) {
         auto const expected = sidecar(base);
-        EXPECT_EQ(loadCorpus(base + ".json"), expected.first);
-        EXPECT_EQ(printed(), expected.second);
+        EXPECT_EQ(loadCorpus(base + ".json"), expected.status);
+        EXPECT_EQ(printed(), expected.lines);
     }
 
     /// Loads the good file `name`, which must load silently.
@@ -734,7 +715,7 @@ TEST_F(DmReaderCorpusDefinitionsTest, BadOverloadsAreReportedAndTheRestLoads) {
 
 TEST_F(DmReaderCorpusDefinitionsTest, IncompatibleOverloadsAreReportedAndJoinTheSetAsOverloads) {
     ASSERT_EQ(loadCorpusAs("257_bad_overloads.json", kAsOverload), DmStatus::kSuccess);
-    EXPECT_EQ(lines(), sidecar("257_bad_overloads").second);
+    EXPECT_EQ(lines(), sidecar("257_bad_overloads").lines);
     ASSERT_TRUE(set("dup::f"));
     EXPECT_EQ(set("dup::f")->getOverloads().size(), 4u);
     EXPECT_TRUE(cppOperator("dup::after"));
