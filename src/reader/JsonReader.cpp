@@ -8,7 +8,6 @@
 #include <KestoDM/graph/DmCompound.h>
 #include <KestoDM/graph/DmExternOperator.h>
 #include <KestoDM/graph/DmNodeDef.h>
-#include <KestoDM/graph/DmOverloadSet.h>
 #include <KestoDM/graph/DmTerminalNodeDef.h>
 #include <KestoDM/library/DmLibrary.h>
 #include <KestoDM/types/DmBaseType.h>
@@ -130,15 +129,6 @@ bool JsonReader::booleanOf(Value const& object, std::string_view key, bool* pres
 
 std::string fileLocation(JsonReadContext const& context) {
     return context.uri ? context.uri->getName() : "<json>";
-}
-
-std::string uriTextOf(DmOverloadSet const& set) {
-    for (auto const& overload : set.getOverloads()) {
-        if (overload && overload->getURI()) {
-            return overload->getURI()->getName();
-        }
-    }
-    return set.getURI() ? set.getURI()->getName() : std::string();
 }
 
 void reportAboutFile(JsonReadContext const& context, int category, std::string title,

@@ -25,8 +25,8 @@ class DmLibrary;
 class DmMessageLogger;
 class DmNamespace;
 class DmNodeDef;
-class DmOverloadSet;
 class DmPort;
+class DmScope;
 class DmTerminalStates;
 class DmTerminalNodeDef;
 class DmUnknownDefinitionsSupport;
@@ -59,9 +59,6 @@ struct JsonReadContext {
 
 /// What the messages of a read are about: the file's URI ("file:///a.json").
 KESTODM_API std::string fileLocation(JsonReadContext const& context);
-/// The URI text of the definitions that hold a name in a scope: that of the
-/// first overload that has one, else the set's own.
-std::string uriTextOf(DmOverloadSet const& set);
 /// Reports a message of the read of `context`'s file to its logger, if any.
 KESTODM_API void reportAboutFile(JsonReadContext const& context, int category, std::string title,
                                  std::string description);
@@ -195,6 +192,12 @@ private:
     /// port by port, in order, by name and direction; no `ports` matches an
     /// interface without ports.
     bool hasCompatiblePorts(Value const& object, DmNodeDef const& existing) const;
+    /// Warns when `scope` already holds definitions named `local` whose ports
+    /// differ from those of `object`, the definition of kind `kind`
+    /// ("Operator", "Compound") and full name `name`. Silent under kMakeUnique,
+    /// which gives the newcomer a name of its own.
+    void warnOfIncompatibleOverload(Value const& object, DmScope const& scope, std::string const& local,
+                                    std::string const& kind, std::string const& name) const;
     /// Warns about a definition with associative ports that is not a proper
     /// associative definition; run once its ports are read.
     void checkAssociativity(DmNodeDef const& definition) const;

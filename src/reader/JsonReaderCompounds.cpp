@@ -311,17 +311,8 @@ void JsonReader::readCompound(Value const& object) {
         compound->setCompleteness(false);
         compound->setLibrary(&library);
 
-        std::shared_ptr<DmOverloadSet> existing;
-        if (scope != nullptr && m_context.nameResolution != kMakeUnique &&
-            scope->findNodeDef(local, existing) && existing && !existing->empty() &&
-            !hasCompatiblePorts(object, *existing)) {
-            std::string const otherURI = uriTextOf(*existing);
-            report(kWarning, "Invalid overload ports interface.",
-                   "Compound " + quoted(fullName) + " defined in " + quoted(location()) +
-                       " has incompatible ports interface with existing definition from " + quoted(otherURI) +
-                       ".");
-        }
         if (scope != nullptr) {
+            warnOfIncompatibleOverload(object, *scope, local, "Compound", fullName);
             DmStatus const status = compound->setScope(scope, m_context.nameResolution);
             if (status == DmStatus::kInvalidArgument) {
                 m_status = status;

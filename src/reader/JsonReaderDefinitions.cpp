@@ -75,6 +75,17 @@ bool namesArrayOfAuto(std::string_view text) {
     return JsonFormat::namesArrayOfAuto(JsonFormat::normalizeTypeName(text));
 }
 
+/// The URI text of the definitions that hold a name in a scope: that of the
+/// first overload that has one, else the set's own.
+std::string uriTextOf(DmOverloadSet const& set) {
+    for (auto const& overload : set.getOverloads()) {
+        if (overload && overload->getURI()) {
+            return overload->getURI()->getName();
+        }
+    }
+    return set.getURI() ? set.getURI()->getName() : std::string();
+}
+
 } // namespace
 
 // ---------------------------------------------------------------------------
@@ -130,6 +141,20 @@ bool JsonReader::hasCompatiblePorts(Value const& object, DmNodeDef const& existi
         }
     }
     return true;
+}
+
+void JsonReader::warnOfIncompatibleOverload(Value const& object, DmScope const& scope,
+                                            std::string const& local, std::string const& kind,
+                                            std::string const& name) const {
+    std::shared_ptr<DmOverloadSet> existing;
+    if (m_context.nameResolution == kMakeUnique || !scope.findNodeDef(local, existing) || !existing ||
+        existing->empty() || hasCompatiblePorts(object, *existing)) {
+        return;
+    }
+    report(BaMessageTypes::kMessageWarning, "Invalid overload ports interface.",
+           kind + " '" + name + "' defined in '" + location() +
+               "' has incompatible ports interface with existing definition from '" + uriTextOf(*existing) +
+               "'.");
 }
 
 void JsonReader::checkAssociativity(DmNodeDef const& definition) const {
@@ -217,14 +242,7 @@ void JsonReader::readOperator(Value const& object) {
     definition->initialize();
     definition->setURI(m_context.uri);
 
-    std::shared_ptr<DmOverloadSet> existing;
-    if (m_context.nameResolution != kMakeUnique && ns->findNodeDef(local, existing) && existing &&
-        !existing->empty() && !hasCompatiblePorts(object, *existing)) {
-        report(BaMessageTypes::kMessageWarning, "Invalid overload ports interface.",
-               "Operator '" + name + "' defined in '" + location() +
-                   "' has incompatible ports interface with existing definition from '" +
-                   uriTextOf(*existing) + "'.");
-    }
+    warnOfIncompatibleOverload(object, *ns, local, "Operator", name);
     // A refused placement (a taken name under kFailOnClash) leaves the
     // operator out of the library; its ports are still read, and it goes
     // with the reader.
