@@ -746,6 +746,21 @@ TEST_F(DmConnectionTest, PathGoesOnToTheEntriesOfAPortAfterFurtherPoints) {
     EXPECT_EQ(scene.made->getTargetPort(), entry.get());
 }
 
+TEST_F(DmConnectionTest, PathGoesOnToTheMembersOfAStructPort) {
+    Scene scene;
+    auto const def = DmNativeNodeDef::newNativeNodeDef("takesPair", DmNativeNodeDef::kPass);
+    def->addPortDescription(KestoTest::input("pair", KestoTest::makeStruct("Pair", "x")), kFailOnClash);
+    auto const taker = scene.addNode("taker", def);
+    std::shared_ptr<DmPort> member;
+    ASSERT_TRUE((*taker)["pair"]->getMember("x", member));
+    Failure failure = DmCompound::kConnectionTargetTaken;
+    EXPECT_EQ(scene.attempt("n1.out", "taker.pair.x", failure), DmStatus::kSuccess);
+    EXPECT_EQ(failure, DmCompound::kConnectionOk);
+    ASSERT_NE(scene.made, nullptr);
+    EXPECT_EQ(scene.made->getTargetPort(), member.get());
+    EXPECT_TRUE(scene.refusedAs("n1.out", "taker.pair.y", DmCompound::kConnectionTargetPortMissing));
+}
+
 TEST_F(DmConnectionTest, PathToAMissingEntryIsTargetPortMissing) {
     Scene scene;
     auto const add = scene.addNode("add", makeAddDef());

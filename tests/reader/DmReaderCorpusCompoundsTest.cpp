@@ -643,3 +643,14 @@ TEST_F(DmReaderCorpusCompoundsTest, IncompatibleCompoundNamesTheFileOfTheExistin
                 "Compound 'clash::twice' defined in 'file:///a.json' has incompatible ports interface with "
                 "existing definition from 'file:///a.json'."));
 }
+
+TEST_F(DmReaderCorpusCompoundsTest, IncompatibleCompoundUnderMakeUniqueIsRenamedWithoutAWarning) {
+    EXPECT_EQ(load(R"(, "compounds": [
+        {"name": "clash::twice", "ports": [{"portName": "a", "portDirection": "input", "portType": "int"}]},
+        {"name": "clash::twice", "ports": [{"portName": "b", "portDirection": "output", "portType": "int"}]}])",
+                   "a.json", kMakeUnique),
+              DmStatus::kSuccess);
+    EXPECT_TRUE(m_printed.empty()) << joined(m_printed);
+    ASSERT_TRUE(compound("clash::twice") && compound("clash::twice1"));
+    EXPECT_TRUE(compound("clash::twice1")->getPortsInterface().hasPort("b"));
+}
