@@ -104,25 +104,7 @@ public:
 
     template <class K>
     iterator find(K const& key) {
-        if (m_slots) {
-            std::size_t const mask = slotCount() - 1;
-            for (std::size_t slot = slotOf(Hash()(key));; slot = (slot + 1) & mask) {
-                Node* const node = m_slots[slot];
-                if (node == nullptr) {
-                    return end();
-                }
-                if (matches(node, key)) {
-                    return iterator(node);
-                }
-            }
-        }
-        for (Link* link = m_head.next; link != &m_head; link = link->next) {
-            Node* const node = static_cast<Node*>(link);
-            if (matches(node, key)) {
-                return iterator(node);
-            }
-        }
-        return end();
+        return findHashed(key, m_slots ? Hash()(key) : 0);
     }
 
     /// Builds the value at the back of the list unless its key is present;
@@ -130,14 +112,16 @@ public:
     template <class... Args>
     std::pair<iterator, bool> emplace_back(Args&&... args) {
         Node* const node = makeNode(std::forward<Args>(args)...);
-        iterator const found = find(KeyOf()(node->value));
+        // Hashed once, for the search and the index both.
+        std::size_t const hash = m_slots ? hashOf(node) : 0;
+        iterator const found = findHashed(KeyOf()(node->value), hash);
         if (found != end()) {
             dropNode(node);
             return {found, false};
         }
         linkBefore(&m_head, node);
         ++m_size;
-        index(node);
+        index(node, hash);
         return {iterator(node), true};
     }
 
@@ -200,7 +184,7 @@ public:
             dropNode(node);
             throw;
         }
-        index(node);
+        index(node, m_slots ? hashOf(node) : 0);
     }
 
     void reserve(std::size_t n) {
@@ -263,9 +247,35 @@ private:
     // load factor says: linear probing needs free slots to stay short.
     float loadLimit() const noexcept { return m_maxLoadFactor < 0.5f ? m_maxLoadFactor : 0.5f; }
 
-    // Puts the node into the index, growing it when the table is too big
-    // for a walk of the list or too full for its slots.
-    void index(Node* node) {
+    // The search of find, with the key's hash already made when the table
+    // has an index (unused without one).
+    template <class K>
+    iterator findHashed(K const& key, std::size_t hash) {
+        if (m_slots) {
+            std::size_t const mask = slotCount() - 1;
+            for (std::size_t slot = slotOf(hash);; slot = (slot + 1) & mask) {
+                Node* const node = m_slots[slot];
+                if (node == nullptr) {
+                    return end();
+                }
+                if (matches(node, key)) {
+                    return iterator(node);
+                }
+            }
+        }
+        for (Link* link = m_head.next; link != &m_head; link = link->next) {
+            Node* const node = static_cast<Node*>(link);
+            if (matches(node, key)) {
+                return iterator(node);
+            }
+        }
+        return end();
+    }
+
+    // Puts the node, whose key has `hash` when the table has an index, into
+    // the index, growing it when the table is too big for a walk of the list
+    // or too full for its slots.
+    void index(Node* node, std::size_t hash) {
         if (!m_slots) {
             if (m_size <= kLinearLimit) {
                 return;
@@ -277,11 +287,11 @@ private:
             growFor(m_size);
             return;
         }
-        place(node);
+        place(node, hash);
     }
-    void place(Node* node) noexcept {
+    void place(Node* node, std::size_t hash) noexcept {
         std::size_t const mask = slotCount() - 1;
-        std::size_t slot = slotOf(hashOf(node));
+        std::size_t slot = slotOf(hash);
         while (m_slots[slot] != nullptr) {
             slot = (slot + 1) & mask;
         }
@@ -324,7 +334,8 @@ private:
         m_slots = std::make_unique<Node*[]>(count);
         m_shift = 64 - bits;
         for (Link* link = m_head.next; link != &m_head; link = link->next) {
-            place(static_cast<Node*>(link));
+            Node* const node = static_cast<Node*>(link);
+            place(node, hashOf(node));
         }
     }
 
