@@ -279,6 +279,23 @@ TEST(LinkedHashMap, ReserveAndLoadFactorKeepContents) {
     EXPECT_EQ(map.at("b"), 2);
 }
 
+TEST(LinkedHashMap, LoadFactorsAboveAndBelowOneHalfFindEveryEntry) {
+    for (float const factor : {0.1f, 0.9f, 4.0f}) {
+        Map map;
+        map.max_load_factor(factor);
+        for (int i = 0; i < 300; ++i)
+            map.insert("k" + std::to_string(i), i);
+        EXPECT_FLOAT_EQ(map.max_load_factor(), factor);
+        for (int i = 0; i < 300; ++i)
+            ASSERT_EQ(map.at("k" + std::to_string(i)), i) << factor;
+        EXPECT_FALSE(map.contains("k300")) << factor;
+        for (int i = 0; i < 300; i += 2)
+            ASSERT_EQ(map.erase("k" + std::to_string(i)), 1u) << factor;
+        for (int i = 1; i < 300; i += 2)
+            ASSERT_EQ(map.at("k" + std::to_string(i)), i) << factor;
+    }
+}
+
 TEST(LinkedHashMap, ManyEntriesKeepOrderAcrossRehash) {
     Map map;
     Keys expected;
